@@ -1,0 +1,180 @@
+/// The nineteen calls through which a host uses the driver.
+///
+/// A host either links the library or loads it with dlopen and looks these names up. All of a loaded library's state
+/// is one object, so a process has one driver per loaded copy of the library.
+///
+/// Terms. *Station*: number of a controller on the link; 255 addresses all. *Register kind*: one of the seventeen
+/// names that intf_getRegListByType gives, compared exactly. *Address number*: the int that intf_checkAddr makes of
+/// an address text. *Host count*: single bits for kinds of bits ("D_bit" and "R_bit" included), 16-bit words for all
+/// others, so that one 32-bit counter of "32C" counts as two.
+///
+/// Threads. intf_getSendFrame and intf_dealRcvFrame are called in turn on one thread, the communication thread.
+/// intf_setData and intf_getData may be called from any thread at any time, from inside the callback too.
+/// intf_initProperty, intf_addrMerge, intf_setRcpAddress and intf_addConditionRead change what the communication
+/// thread works on: the host calls them on that thread, or while it is not inside the driver. intf_initProperty needs
+/// every other thread out of the driver. The rest read constants only.
+///
+/// Errors are int results; nothing throws and nothing is logged. A call with arguments that make no sense (an unknown
+/// kind, a count below 1 or beyond what the kind holds, a negative address, a null pointer) changes nothing.
+#ifndef TANEK_VS_DRIVER_H
+#define TANEK_VS_DRIVER_H
+
+#include "tanek_vs/records.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QMutex>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+
+#define TANEK_VS_EXPORT __attribute__((visibility("default")))
+
+extern "C" {
+
+/// The host's function that is told about changes, on the thread of the call that found the change and with no lock
+/// of the driver held. It may call intf_getData and intf_setData and no other call. The result is ignored; the string
+/// lives only during the call.
+///
+/// - (instance, station, register name, address): the shown value at that address changed, or a write to it ended.
+///   `instance` is the first number of the property text.
+/// - (-1, -1, "-1", status): the condition read queued last has ended: status 0 when it was read, -1 when given up.
+/// - (0, -1, "RWI", n): a recipe upload has filled word n of the recipe buffer.
+typedef int (*ValueChangeCallback)(int instance, int station, QString &regName, int address);
+
+// ---- Identity and configuration ----
+
+/// Writes 0 through `type`: the driver is of the kind that is polled by the host.
+TANEK_VS_EXPORT void intf_getProtocolType(int *type);
+
+/// The driver's version, "2.0.0.0".
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
+TANEK_VS_EXPORT QString intf_getVersion();
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
+
+/// Overwrites `text` with the default parameters, separated by commas: the number 0; baud rate, data bits, parity and
+/// stop bits of the serial line; the numbers 1 and 0; network address and port; protocol name; the register kinds.
+TANEK_VS_EXPORT void intf_getDriverParameter(QString &text);
+
+/// Configures the driver, or resets it: drops the poll plan, all queues, the cache and any frame in flight. The
+/// callback and the recipe plan stay.
+///
+/// @param hostControlBlock host's bytes, at least 60117 of them: byte 60115 set to 1 asks for a recipe download, byte
+///        60116 for an upload. The driver sets the byte to 0 when the transfer has ended and touches no other byte.
+/// @param unused not looked at.
+/// @param recipeBuffer host's 16-bit words, as many as the recipe items reach.
+/// @param result receives 0.
+/// @param property Latin-1 text of five numbers separated by '#': instance, cache-only writes (not 0: intf_setData
+///        changes the cache and sends nothing), an ignored number, retry limit (bad replies until a transaction is
+///        given up), merge gap (units that merging bridges; also words per write, with eight times as many bits). A
+///        part that is not a number counts as 0; with fewer than five parts the settings stay as they were.
+/// @param hostMutex guards the two request bytes; the driver holds it only while it reads or clears them.
+/// The three host objects stay the host's and must live until the next intf_initProperty or the unloading.
+/// @return 1, always.
+TANEK_VS_EXPORT int intf_initProperty(quint8 *hostControlBlock, void *unused, quint16 *recipeBuffer, int *result,
+                                      const char *property, QMutex *hostMutex);
+
+/// Overwrites `text` with the property page's mode, "0_0".
+TANEK_VS_EXPORT void intf_getDriverPropertyPage(QString &text);
+
+/// Stores the property page's text, which nothing in the driver reads.
+TANEK_VS_EXPORT void intf_SetDriverPropertyPage(const QString &text);
+
+/// Registers the callback in place of any earlier one; null: changes are not reported.
+TANEK_VS_EXPORT void intf_setAddrValueChangeCallBack(ValueChangeCallback callback);
+
+// ---- Register lists and address texts, for the host's editor ----
+
+/// Appends the names of the kinds of bits (`type` 0) or of words (any other `type`) to `names`.
+/// @return 1 for `type` 0 and 1, else 0.
+TANEK_VS_EXPORT int intf_getRegListByType(int type, QStringList &names);
+
+/// Appends five texts about a kind to `texts`: address format, lowest and highest address, data size ("0" bit, "1"
+/// word, "2" double word) and access ("0" read, "1" read and write, "2" write). An unknown kind appends nothing.
+/// @return 0, always.
+TANEK_VS_EXPORT int intf_getRegDiscription(const QString &regName, QStringList &texts);
+
+/// Checks an address text and a host count, and turns the text into the address number.
+///
+/// @param address receives the number as soon as the text has been read; it is valid only with result 0.
+/// @param wordAccess 0: the host wants bits; any other value: words.
+/// @return 0 valid; 1 bits wanted of a word kind or words of a bit kind; 2 out of range; 3 unknown kind; 4 the text
+///         cannot be read in the kind's format.
+TANEK_VS_EXPORT int intf_checkAddrValidity(const QString &regName, const QString &addressText, int *address, int count,
+                                           int wordAccess);
+
+/// The same check for a data type of the host's (-1: bit) and an access mode.
+/// @return as intf_checkAddrValidity, and 5: the data type does not fit a 32-bit kind; 6: writing to a read-only kind.
+TANEK_VS_EXPORT int intf_checkAddr(const QString &regName, const QString &addressText, int *address, int dataType,
+                                   int count, int accessMode);
+
+/// Generates `number` addresses from `start` on, and appends their texts and numbers to the two vectors.
+///
+/// @param step distance in address numbers; -1: that of 16-bit values, -2: that of 32-bit values; less than 1: 1.
+/// @return 1 all are in the kind's range; 2 some lay above it and were replaced by the highest address; 0 unknown
+///         kind, or more addresses wanted than the largest kind has: nothing is appended.
+TANEK_VS_EXPORT int intf_multiCopy(const QString &regName, int start, int number, int step, QVector<QString> &texts,
+                                   QVector<int> &numbers);
+
+// ---- What to read ----
+
+/// Replaces the poll list: the driver reads these addresses in turn and reports their changes. The host's list is
+/// only read. Keys that make no sense are left out.
+/// @return the number of read requests that one round of the list takes.
+TANEK_VS_EXPORT int intf_addrMerge(const QList<KEY_ADDRESS> *keys);
+
+/// Queues a one-time read. When the one queued last has ended, the callback receives -1, -1, "-1" and the status.
+/// @param hostContext carried in the requests, never interpreted.
+/// @return 1, always.
+TANEK_VS_EXPORT int intf_addConditionRead(const KEY_ADDRESS *key, std::uintptr_t hostContext);
+
+/// Replaces the recipe plan by those of `items` that belong to this instance. The items' values lie in the recipe
+/// buffer in the order of their addresses, without gaps where the addresses have none. The vector is only read.
+/// @return the number of items that belong to this instance.
+TANEK_VS_EXPORT int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items);
+
+// ---- Transactions ----
+
+/// Copies the next frame to send into the host's record.
+/// @return 1 when there is a frame: send the first `frameLength` bytes of `frame`, then pass what comes back to
+///         intf_dealRcvFrame; 0 when there is nothing to send now.
+TANEK_VS_EXPORT int intf_getSendFrame(FRAME_PRO *hostFrame);
+
+/// Takes the bytes that came back for the frame in flight: all of the reply, or an empty array when none came (also
+/// after a frame with `replyLength` 0).
+///
+/// @param reply is changed: doubled DLE bytes are reduced to one.
+/// @param description receives the transaction in words, such as "1#D100(10)", with ",error code:3" behind it when
+///        the controller refused; empty when no frame is in flight.
+/// @return 1 accepted; 8 refused, the same frame goes out again; 2 refused for the last time, the transaction is given
+///         up; 0 no frame is in flight and the bytes were ignored.
+TANEK_VS_EXPORT int intf_dealRcvFrame(QByteArray &reply, QString &description);
+
+// ---- Values ----
+
+/// Copies shown values out of the cache: what the host wrote while that write is outstanding, else what was read
+/// last, zeros for what was never read.
+///
+/// @param count host count.
+/// @param values receives one byte (0 or 1) per bit, two bytes per word, four per counter, least significant first;
+///        an odd count of "32C" leaves its last word out.
+/// @return 1, always.
+TANEK_VS_EXPORT int intf_getData(int station, const QString &regName, int address, int count, quint8 *values);
+
+/// Shows the values at once and queues them to be written. A waiting write to exactly the same place is replaced. The
+/// end of the write is reported through the callback when the shown value falls back.
+///
+/// @param count host count, at most 1024 bits or 512 words.
+/// @param values laid out as for intf_getData; only read.
+/// @param hostContext carried in the requests, never interpreted.
+/// @return 1, always.
+TANEK_VS_EXPORT int intf_setData(int station, const QString &regName, int address, int count, const quint8 *values,
+                                 std::uintptr_t hostContext);
+}
+
+#endif
