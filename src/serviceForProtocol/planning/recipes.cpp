@@ -1,0 +1,89 @@
+#include "serviceForProtocol/planning/recipes.h"
+
+#include "model/protocol.h"
+#include "serviceForProtocol/identity/addressText.h"
+#include "serviceForProtocol/planning/pollPlan.h"
+#include "tanek_vs/driver.h"
+#include "tanek_vs/registerNames.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// The count that no request can be built for.
+const int COUNT_OF_NO_REQUEST = -1;
+
+QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items) {
+    typedef std::pair<quint32, int> WeightAndPlace; // ordered by weight, then by the host's order
+    std::vector<WeightAndPlace> order;
+    for (int i = 0; i < items.size(); ++i) {
+        const _RCP_VAR_PRO &item = items.at(i);
+        if (item.instanceId == driver.instanceId)
+            order.push_back(WeightAndPlace(getRegAddressWeight(item.station, item.regName, item.address), i));
+    }
+    std::sort(order.begin(), order.end());
+    QVector<_RCP_VAR_PRO> sorted;
+    for (const WeightAndPlace &entry : order)
+        sorted.append(items.at(entry.second));
+    return sorted;
+}
+
+/// An item longer than its whole kind would be cut into pieces without end; it gets one block that cannot be sent.
+int plannedCount(const _RCP_VAR_PRO &item) {
+    const int kind = getIndexFromRegName(item.regName);
+    const int most = kind < 0 ? hostUnitsOfLargestKind() : hostUnitsOf(kind);
+    return item.count > most ? COUNT_OF_NO_REQUEST : item.count;
+}
+
+KEY_ADDRESS keyOf(const _RCP_VAR_PRO &item) {
+    KEY_ADDRESS key;
+    key.station = item.station;
+    key.regName = item.regName;
+    key.address = item.address;
+    key.count = plannedCount(item);
+    key.bufferOffset = item.bufferOffset;
+    return key;
+}
+
+_RCP_VAR_PRO blockOf(const KEY_ADDRESS &key) {
+    _RCP_VAR_PRO block;
+    block.station = key.station;
+    block.regName = key.regName;
+    block.address = key.address;
+    block.count = key.count;
+    block.bufferOffset = key.bufferOffset;
+    return block;
+}
+
+} // namespace
+
+int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items) {
+    driver.recipeItems = items ? itemsOfThisInstance(*items) : QVector<_RCP_VAR_PRO>();
+    driver.recipeBlocks.clear();
+    driver.recipeBlockFirstItem.clear();
+    QList<KEY_ADDRESS> keys;
+    for (int i = 0; i < driver.recipeItems.size(); ++i)
+        keys.append(keyOf(driver.recipeItems.at(i)));
+    addrMerge(keys, MergeRecipe);
+    for (int i = 0; i < keys.size(); ++i)
+        driver.recipeBlocks.append(blockOf(keys.at(i)));
+    return static_cast<int>(driver.recipeItems.size());
+}
+
+void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &request, int withValues) {
+    request.station = block.station;
+    request.regName = block.regName;
+    request.address = block.address;
+    request.count = block.count;
+    std::memset(request.data, 0, sizeof request.data);
+    const int kind = getIndexFromRegName(block.regName);
+    if (!withValues || !driver.recipeBuffer || kind < 0 || block.count < 1 || block.bufferOffset < 0)
+        return;
+    const qint64 bytes = static_cast<qint64>(block.count) * (unitWidthOf(kind) / 8);
+    const qint64 most = RECORD_BUFFER_SIZE;
+    std::memcpy(request.data, driver.recipeBuffer + block.bufferOffset,
+                static_cast<std::size_t>(std::min(bytes, most)));
+}

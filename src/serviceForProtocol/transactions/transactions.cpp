@@ -1,0 +1,234 @@
+#include "serviceForProtocol/transactions/transactions.h"
+
+#include "model/protocol.h"
+#include "serviceForProtocol/cache/changeReports.h"
+#include "serviceForProtocol/cache/requestQueue.h"
+#include "serviceForProtocol/cache/writeMirror.h"
+#include "serviceForProtocol/planning/recipes.h"
+#include "serviceForProtocol/transactions/replyDecoding.h"
+#include "tanek_vs/frameCodec.h"
+#include "tanek_vs/replyCheck.h"
+#include "tanek_vs/requestFrames.h"
+
+#include <QtCore/QMutexLocker>
+
+namespace {
+
+const int DOWNLOAD_REQUEST_BYTE = 60115;
+const int UPLOAD_REQUEST_BYTE = 60116;
+const quint8 TRANSFER_REQUESTED = 1;
+const quint8 TRANSFER_ENDED = 0;
+
+/// Writes in a row while poll blocks wait.
+const int LONGEST_WRITE_BURST = 10;
+/// Condition reads only fill up a burst to this length.
+const int LONGEST_CONDITION_READ_BURST = 3;
+
+const int WRITE_ACCEPTED = 1;
+const int WRITE_GIVEN_UP = 0;
+
+/// What intf_dealRcvFrame returns.
+enum ReplyResult { ReplyToNothing = 0, ReplyAccepted = 1, ReplyGivenUp = 2, ReplyRetry = 8 };
+
+/// Arguments of the callback at the end of the condition reads.
+const int NOTIFICATION_INSTANCE = -1;
+const int NOTIFICATION_STATION = -1;
+const int CONDITION_READ_DONE = 0;
+const int CONDITION_READ_GIVEN_UP = -1;
+
+void buildReadFrame() {
+    driver.currentReadList.clear();
+    driver.currentReadList.append(driver.currentVariable);
+    getReadFrame(driver.currentReadList);
+}
+
+/// The transfer that the host asks for, as the kind of its transactions; TransactionIdle: none.
+TransactionKind requestedTransfer() {
+    if (!driver.hostControlBlock || !driver.hostMutex)
+        return TransactionIdle;
+    const QMutexLocker lock(driver.hostMutex);
+    if (driver.hostControlBlock[DOWNLOAD_REQUEST_BYTE] == TRANSFER_REQUESTED)
+        return TransactionRecipeWrite;
+    return driver.hostControlBlock[UPLOAD_REQUEST_BYTE] == TRANSFER_REQUESTED ? TransactionRecipeRead : TransactionIdle;
+}
+
+void endTransfer(int kind) {
+    driver.recipeIndex = 0;
+    if (!driver.hostControlBlock || !driver.hostMutex)
+        return;
+    const QMutexLocker lock(driver.hostMutex);
+    driver.hostControlBlock[kind == TransactionRecipeWrite ? DOWNLOAD_REQUEST_BYTE : UPLOAD_REQUEST_BYTE] =
+        TRANSFER_ENDED;
+}
+
+/// @return false when no recipe block is to be transferred.
+bool beginRecipeBlock() {
+    const TransactionKind kind = requestedTransfer();
+    if (kind == TransactionIdle)
+        return false;
+    if (driver.recipeIndex >= driver.recipeBlocks.size() || !driver.recipeBuffer) {
+        endTransfer(kind);
+        return false;
+    }
+    const _RCP_VAR_PRO block = driver.recipeBlocks.at(driver.recipeIndex);
+    driver.transactionKind = kind;
+    rcpAddrToVar(block, driver.currentVariable, kind == TransactionRecipeWrite ? 1 : 0);
+    if (block.bufferOffset < 0)
+        return true; // its values lie outside the buffer: no frame
+    if (kind == TransactionRecipeWrite)
+        getWriteFrame(driver.currentVariable);
+    else
+        buildReadFrame();
+    return true;
+}
+
+bool beginWrite() {
+    {
+        const QMutexLocker lock(&driver.mutex);
+        if (driver.writeQueue.isEmpty() || driver.burstCount >= LONGEST_WRITE_BURST || driver.writesBeingMirrored > 0)
+            return false;
+        driver.currentVariable = driver.writeQueue.at(0);
+    }
+    driver.transactionKind = TransactionWrite;
+    ++driver.burstCount;
+    getWriteFrame(driver.currentVariable);
+    return true;
+}
+
+bool beginConditionRead() {
+    if (driver.conditionReads.isEmpty() || driver.burstCount >= LONGEST_CONDITION_READ_BURST)
+        return false;
+    driver.currentVariable = driver.conditionReads.at(0);
+    driver.transactionKind = TransactionConditionRead;
+    ++driver.burstCount;
+    buildReadFrame();
+    return true;
+}
+
+bool beginBlockRead() {
+    driver.burstCount = 0;
+    if (driver.readBlocks.isEmpty()) {
+        driver.transactionKind = TransactionIdle;
+        driver.frameQueue.clear();
+        return false;
+    }
+    driver.currentVariable = driver.readBlocks.at(0);
+    driver.transactionKind = TransactionBlockRead;
+    buildReadFrame();
+    return true;
+}
+
+void settleWrite(const VARIABLE &request, int result) {
+    if (driver.transactionKind == TransactionWrite)
+        _write_FailOrSuc(request.station, request.regName, request.address, request.count, result);
+}
+
+void giveUp(const VARIABLE &request) {
+    driver.lastTransactionFailed = 1;
+    settleWrite(request, WRITE_GIVEN_UP);
+    driver.frameQueue.clear();
+    driver.retryCount = 0;
+    dealListWhenFinish();
+}
+
+/// Chooses the next transaction and builds its frame.
+/// @return whether there is a frame. A request that no frame can be built for is given up; a poll block stays.
+bool beginTransaction() {
+    if (!beginRecipeBlock() && !beginWrite() && !beginConditionRead() && !beginBlockRead())
+        return false;
+    if (!driver.frameQueue.isEmpty())
+        return true;
+    if (driver.transactionKind != TransactionBlockRead) {
+        const VARIABLE request = driver.currentVariable;
+        giveUp(request);
+    }
+    return false;
+}
+
+void finishFrame() {
+    driver.lastTransactionFailed = 0;
+    driver.frameQueue.removeFirst();
+    if (driver.frameQueue.isEmpty())
+        dealListWhenFinish();
+    driver.retryCount = 0;
+}
+
+ReplyResult refuseReply(const VARIABLE &request) {
+    ++driver.retryCount;
+    if (driver.retryCount < driver.retryLimit)
+        return ReplyRetry;
+    giveUp(request);
+    return ReplyGivenUp;
+}
+
+void finishWrite() {
+    const QMutexLocker lock(&driver.mutex);
+    if (!driver.writeQueue.isEmpty())
+        driver.writeQueue.removeFirst();
+}
+
+void finishConditionRead() {
+    const bool failed = driver.lastTransactionFailed == 1;
+    if (!driver.conditionReads.isEmpty() && isSameRequest(driver.conditionReads.at(0), driver.lastConditionRead))
+        callHost(NOTIFICATION_INSTANCE, NOTIFICATION_STATION, QString::fromLatin1("-1"),
+                 failed ? CONDITION_READ_GIVEN_UP : CONDITION_READ_DONE);
+    if (failed)
+        driver.conditionReads.clear();
+    else if (!driver.conditionReads.isEmpty())
+        driver.conditionReads.removeFirst();
+}
+
+void rotateReadBlocks() {
+    if (driver.readBlocks.size() >= 2)
+        driver.readBlocks.move(0, static_cast<int>(driver.readBlocks.size()) - 1);
+}
+
+void finishRecipeBlock() {
+    if (driver.lastTransactionFailed == 0 && ++driver.recipeIndex < driver.recipeBlocks.size())
+        return;
+    endTransfer(driver.transactionKind);
+}
+
+} // namespace
+
+void dealListWhenFinish() {
+    switch (driver.transactionKind) {
+    case TransactionWrite:
+        return finishWrite();
+    case TransactionConditionRead:
+        return finishConditionRead();
+    case TransactionBlockRead:
+        return rotateReadBlocks();
+    case TransactionRecipeWrite:
+    case TransactionRecipeRead:
+        return finishRecipeBlock();
+    default:
+        return;
+    }
+}
+
+int intf_getSendFrame(FRAME_PRO *hostFrame) {
+    if (!hostFrame || (driver.frameQueue.isEmpty() && !beginTransaction()))
+        return 0;
+    *hostFrame = driver.frameQueue.at(0);
+    return 1;
+}
+
+int intf_dealRcvFrame(QByteArray &reply, QString &description) {
+    description.clear();
+    if (driver.frameQueue.isEmpty())
+        return ReplyToNothing;
+    dealFrameRead_0x10(reply);
+    description = getErrorInfo(reply);
+    const VARIABLE request = driver.frameQueue.at(0).variable;
+    const int verdict =
+        check_rcv_data(reinterpret_cast<const quint8 *>(reply.constData()), static_cast<int>(reply.size()));
+    if (verdict == ReplyRefused)
+        return refuseReply(request);
+    if (verdict == ReplyCarriesData)
+        dealReadFrameReturnSaveData(reply);
+    else
+        settleWrite(request, WRITE_ACCEPTED);
+    finishFrame();
+    return ReplyAccepted;
+}
