@@ -1,0 +1,266 @@
+#include "support/driverTest.h"
+
+#include "serviceForProtocol/planning/recipes.h"
+
+#include <rapidcheck/gtest.h>
+
+#include <numeric>
+
+namespace {
+
+class RecipesTest : public DriverTest {
+protected:
+    std::vector<std::string> blocks() const {
+        std::vector<std::string> result;
+        for (int i = 0; i < driver.recipeBlocks.size(); ++i)
+            result.push_back(text(driver.recipeBlocks.at(i)) + " from " +
+                             std::to_string(driver.recipeBlocks.at(i).bufferOffset) + " item " +
+                             std::to_string(driver.recipeBlockFirstItem.at(i)));
+        return result;
+    }
+
+    void fillsBuffer() { std::iota(recipeBuffer.begin(), recipeBuffer.end(), static_cast<quint16>(0x100)); }
+    void asks(int requestByte) { controlBlock[static_cast<std::size_t>(requestByte)] = 1; }
+    bool isAsked(int requestByte) const { return controlBlock[static_cast<std::size_t>(requestByte)] != 0; }
+
+    /// Answers the uploads of `number` blocks of words, word u of the controller holding u.
+    void uploadsWords(int number) {
+        for (int i = 0; i < number; ++i) {
+            sends();
+            Bytes data;
+            for (int k = 0; k < frame.readCount; ++k) {
+                const Bytes one = words({frame.variable.address + k});
+                data.insert(data.end(), one.begin(), one.end());
+            }
+            EXPECT_EQ(receives(reply(data)), 1);
+        }
+    }
+};
+
+TEST_F(RecipesTest, arePlannedIntoBlocks) {
+    _RCP_VAR_PRO foreign = recipeItem("D", 0, 5, 9);
+    foreign.instanceId = INSTANCE + 1;
+    const struct {
+        const char *what;
+        std::vector<_RCP_VAR_PRO> items;
+        std::vector<std::string> blocks;
+    } rows[] = {
+        {"sorted and joined",
+         {recipeItem("D", 12, 3, 2), foreign, recipeItem("D", 10, 2, 0), recipeItem("D", 20, 1, 5)},
+         {"D 10 5 @1 from 0 item 0", "D 20 1 @1 from 5 item 2"}},
+        {"gaps stay",
+         {recipeItem("D", 10, 2, 0), recipeItem("D", 13, 1, 2)},
+         {"D 10 2 @1 from 0 item 0", "D 13 1 @1 from 2 item 1"}},
+        {"counters", {recipeItem("32C", 200, 4, 0)}, {"32C 200 2 @1 from 0 item 0"}},
+        {"bits",
+         {recipeItem("M", 0, 5, 0), recipeItem("D_bit", 16, 2, 0)},
+         {"M 0 5 @1 from 0 item 0", "D_bit 16 2 @1 from 0 item 1"}},
+        {"full block",
+         {recipeItem("D", 0, 20, 0), recipeItem("D", 20, 12, 20), recipeItem("D", 32, 1, 32)},
+         {"D 0 32 @1 from 0 item 0", "D 32 1 @1 from 32 item 2"}},
+        {"long item, next joins its rest",
+         {recipeItem("D", 0, 70, 5), recipeItem("D", 70, 2, 75), recipeItem("D", 90, 1, 77)},
+         {"D 0 32 @1 from 5 item 0", "D 32 32 @1 from 37 item 0", "D 64 8 @1 from 69 item 0",
+          "D 90 1 @1 from 77 item 2"}},
+        {"long counters",
+         {recipeItem("32C", 200, 80, 10)},
+         {"32C 200 32 @1 from 10 item 0", "32C 232 8 @1 from 74 item 0"}},
+        {"long bits",
+         {recipeItem("M", 0, 40, 3), recipeItem("D_bit", 0, 33, 3)},
+         {"M 0 32 @1 from 3 item 0", "M 32 8 @1 from 3 item 0", "D_bit 0 32 @1 from 3 item 1",
+          "D_bit 32 1 @1 from 3 item 1"}},
+        {"item inside a long one",
+         {recipeItem("D", 0, 40, 0), recipeItem("D", 10, 2, 40)},
+         {"D 0 32 @1 from 0 item 0", "D 32 8 @1 from 32 item 0", "D 10 2 @1 from 40 item 1"}},
+        {"unknown kind", {recipeItem("Q", 0, 1, 0)}, {"Q 0 1 @1 from 0 item 0"}},
+        {"longer than the kind", {recipeItem("D", 0, 2147483647, 0)}, {"D 0 -1 @1 from 0 item 0"}},
+        {"none of this instance", {foreign}, {}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.what);
+        plansRecipe({recipeItem("R", 0, 1, 0)});
+        const auto own = std::count_if(row.items.begin(), row.items.end(),
+                                       [](const _RCP_VAR_PRO &item) { return item.instanceId == INSTANCE; });
+        EXPECT_EQ(plansRecipe(row.items), own);
+        EXPECT_EQ(blocks(), row.blocks);
+        EXPECT_EQ(driver.recipeItems.size(), own);
+    }
+}
+
+TEST_F(RecipesTest, downloadWritesTheBufferBlockByBlockAheadOfAll) {
+    fillsBuffer();
+    plansRecipe({recipeItem("D", 10, 5, 0), recipeItem("32C", 200, 4, 5), recipeItem("D", 20, 1, 9)});
+    polls({key("D", 10, 1)});
+    writes("R", 0, 1, words({1}));
+    driver.currentVariable.hostContext = 5;
+    asks(DOWNLOAD_BYTE);
+    asks(UPLOAD_BYTE);
+
+    EXPECT_EQ(sends(), "write 32C 200 2 @1");
+    EXPECT_EQ(hexText(sentBytes()),
+              hexText(doubled(envelope(hex("01 0f 00 28 ad 00 02 00 02 00 05 01 06 01 07 01 08 01")))));
+    EXPECT_EQ(frame.variable.hostContext, 5U);
+    EXPECT_EQ(receives(acknowledgement()), 1);
+    EXPECT_EQ(exchanges(acknowledgement()), "write D 10 5 @1");
+    EXPECT_TRUE(isAsked(DOWNLOAD_BYTE));
+    EXPECT_EQ(exchanges(acknowledgement()), "write D 20 1 @1");
+    EXPECT_FALSE(isAsked(DOWNLOAD_BYTE));
+    EXPECT_TRUE(isAsked(UPLOAD_BYTE));
+    EXPECT_EQ(driver.recipeIndex, 0);
+    EXPECT_EQ(word(10), 0) << "recipe writes are no business of the cache";
+    EXPECT_EQ(sends(), "read 32C 200 2 @1");
+}
+
+TEST_F(RecipesTest, uploadFillsTheBufferAndTheCache) {
+    plansRecipe({recipeItem("D", 12, 3, 7), recipeItem("D", 10, 2, 0), recipeItem("32C", 200, 2, 20),
+                 recipeItem("32C", 201, 2, 30)});
+    polls({key("D", 12, 1)});
+    asks(UPLOAD_BYTE);
+    EXPECT_EQ(exchanges(reply(hex("01 02 03 04 05 06 07 08"))), "read 32C 200 2 @1");
+    EXPECT_EQ(reports(), (Reports{"RWI 20 @-1 of 0", "RWI 21 @-1 of 0", "RWI 30 @-1 of 0", "RWI 31 @-1 of 0"}));
+    whenReported = [this](const std::string &report) {
+        if (report == "RWI 0 @-1 of 0") {
+            EXPECT_EQ(recipeBuffer[0], 1) << "filled before it is reported";
+        }
+    };
+    EXPECT_EQ(exchanges(reply(words({1, 2, 3, 4, 5}))), "read D 10 5 @1");
+    EXPECT_EQ(reports(), (Reports{"D 12 @1", "RWI 0 @-1 of 0", "RWI 1 @-1 of 0", "RWI 7 @-1 of 0", "RWI 8 @-1 of 0",
+                                  "RWI 9 @-1 of 0"}));
+    EXPECT_EQ((std::vector<quint16>(recipeBuffer.begin(), recipeBuffer.begin() + 10)),
+              (std::vector<quint16>{1, 2, 0, 0, 0, 0, 0, 3, 4, 5}));
+    EXPECT_EQ((std::vector<int>{recipeBuffer[20], recipeBuffer[21], recipeBuffer[30], recipeBuffer[31]}),
+              (std::vector<int>{0x0201, 0x0403, 0x0605, 0x0807}));
+    EXPECT_EQ(word(14), 5);
+    EXPECT_FALSE(isAsked(UPLOAD_BYTE));
+}
+
+TEST_F(RecipesTest, bitsAreReadIntoTheCacheAlone) {
+    plansRecipe({recipeItem("M", 0, 5, 0)});
+    asks(UPLOAD_BYTE);
+    EXPECT_EQ(exchanges(reply({0x15})), "read M 0 5 @1");
+    EXPECT_EQ(reads("M", 0, 5), (Bytes{1, 0, 1, 0, 1}));
+    EXPECT_EQ(reports(), Reports{});
+    fillsBuffer();
+    asks(DOWNLOAD_BYTE);
+    sends();
+    EXPECT_EQ(hexText(sentBytes()), hexText(envelope(hex("01 08 00 29 92 00 00 00 01 00 00"))));
+}
+
+RC_GTEST_FIXTURE_PROP(RecipesTest, everyWordOfARecipeGoesToItsOwnRegisterOnce, ()) {
+    // Items with gaps or touching, of all lengths, laid into the buffer as they come.
+    const auto lengths = *rc::gen::nonEmpty(rc::gen::container<std::vector<int>>(rc::gen::inRange(1, 100)));
+    std::vector<_RCP_VAR_PRO> items;
+    int address = 100;
+    int offset = 0;
+    for (int length : lengths) {
+        address += *rc::gen::inRange(0, 2);
+        items.push_back(recipeItem("D", address, length, offset));
+        address += length;
+        offset += length;
+    }
+    RC_PRE(offset <= 4000 && address < 9000);
+    plansRecipe(items);
+
+    asks(UPLOAD_BYTE);
+    uploadsWords(static_cast<int>(driver.recipeBlocks.size()));
+    RC_ASSERT(!isAsked(UPLOAD_BYTE));
+    RC_ASSERT(reports().size() == static_cast<std::size_t>(offset));
+    for (const _RCP_VAR_PRO &item : items) {
+        for (int k = 0; k < item.count; ++k)
+            RC_ASSERT(recipeBuffer[static_cast<std::size_t>(item.bufferOffset + k)] == item.address + k);
+    }
+
+    asks(DOWNLOAD_BYTE);
+    int written = 0;
+    while (isAsked(DOWNLOAD_BYTE)) {
+        sends();
+        for (int k = 0; k < frame.variable.count; ++k, ++written) {
+            const quint8 *data = frame.variable.data + 2 * k;
+            RC_ASSERT(data[0] + 256 * data[1] == frame.variable.address + k);
+        }
+        receives(acknowledgement());
+    }
+    RC_ASSERT(written == offset);
+}
+
+TEST_F(RecipesTest, aTransferEndsWhereABlockIsGivenUp) {
+    configures(1, 16);
+    plansRecipe({recipeItem("D", 0, 1, 0), recipeItem("D", 5, 1, 1), recipeItem("D", 9, 1, 2)});
+    polls({key("D", 50, 1)});
+    for (int requestByte : {DOWNLOAD_BYTE, UPLOAD_BYTE}) {
+        asks(requestByte);
+        exchangesWell(1);
+        EXPECT_EQ(driver.recipeIndex, 1);
+        exchanges({});
+        EXPECT_FALSE(isAsked(requestByte));
+        EXPECT_EQ(driver.recipeIndex, 0);
+        EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
+    }
+}
+
+TEST_F(RecipesTest, aBlockThatCannotBeSentEndsTheTransfer) {
+    polls({key("D", 50, 1)});
+    for (const _RCP_VAR_PRO &item : {recipeItem("Q", 0, 1, 0), recipeItem("D", 0, 1, -1), recipeItem("D", 0, -1, 0),
+                                     recipeItem("D", 0, 10000, 0)}) {
+        for (int requestByte : {DOWNLOAD_BYTE, UPLOAD_BYTE}) {
+            SCOPED_TRACE(text(item));
+            plansRecipe({item});
+            asks(requestByte);
+            EXPECT_EQ(sends(), "nothing");
+            EXPECT_FALSE(isAsked(requestByte));
+            EXPECT_EQ(driver.lastTransactionFailed, 1);
+            EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
+        }
+    }
+}
+
+TEST_F(RecipesTest, aRequestWithNothingToTransferIsEndedAndTheCallGoesOn) {
+    polls({key("D", 50, 1)});
+    asks(DOWNLOAD_BYTE);
+    asks(UPLOAD_BYTE);
+    EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
+    EXPECT_FALSE(isAsked(DOWNLOAD_BYTE));
+    EXPECT_TRUE(isAsked(UPLOAD_BYTE));
+    EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
+    EXPECT_FALSE(isAsked(UPLOAD_BYTE));
+
+    plansRecipe({recipeItem("D", 0, 1, 0)});
+    driver.recipeBuffer = nullptr;
+    asks(UPLOAD_BYTE);
+    EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
+    EXPECT_FALSE(isAsked(UPLOAD_BYTE));
+    controlBlock[DOWNLOAD_BYTE] = 2;
+    EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
+    EXPECT_EQ(controlBlock[DOWNLOAD_BYTE], 2) << "1 asks, nothing else";
+}
+
+TEST_F(RecipesTest, aPlanReplacedDuringAnUploadGetsNoForeignValues) {
+    plansRecipe({recipeItem("D", 0, 2, 0)});
+    asks(UPLOAD_BYTE);
+    sends();
+    plansRecipe({recipeItem("D", 7, 2, 0)});
+    receives(reply(words({5, 6})));
+    EXPECT_EQ(recipeBuffer[0] + recipeBuffer[1], 0);
+    EXPECT_EQ(word(1), 6);
+}
+
+TEST_F(RecipesTest, requestsTakeTheirValuesFromTheBlocksPlace) {
+    fillsBuffer();
+    VARIABLE wanted = request("M", 9, 9, 9);
+    wanted.hostContext = 11;
+    wanted.data[1000] = 1;
+    rcpAddrToVar(recipeItem("D", 10, 2, 3), wanted, 0);
+    EXPECT_EQ(text(wanted), "D 10 2 @1");
+    EXPECT_EQ(wanted.hostContext, 11U);
+    EXPECT_EQ(std::accumulate(wanted.data, wanted.data + 1024, 0), 0);
+    rcpAddrToVar(recipeItem("D_bit", 10, 2, 3), wanted, 1);
+    EXPECT_EQ(Bytes(wanted.data, wanted.data + 5), hex("03 01 04 01 00"));
+    rcpAddrToVar(recipeItem("32C", 200, 1, 3), wanted, 1);
+    EXPECT_EQ(Bytes(wanted.data, wanted.data + 5), hex("03 01 04 01 00"));
+    rcpAddrToVar(recipeItem("M", 10, 2, 3), wanted, 1);
+    EXPECT_EQ(wanted.data[0], 0);
+    rcpAddrToVar(recipeItem("D", 0, 2000, 0), wanted, 1);
+    EXPECT_EQ(wanted.data[1023], recipeBuffer[511] >> 8);
+}
+
+} // namespace
