@@ -33,12 +33,14 @@ struct DataAreaKey {
     qint32 address;
 };
 
-inline bool operator==(const DataAreaKey &left, const DataAreaKey &right) {
+inline bool operator==(const DataAreaKey &left, const DataAreaKey &right)
+{
     return left.address == right.address && left.station == right.station && left.regName == right.regName;
 }
 
 /// Neighbouring addresses of one kind must not collide: the address is mixed in by a multiplication that spreads it.
-inline uint qHash(const DataAreaKey &key) {
+inline uint qHash(const DataAreaKey &key)
+{
     const uint addressSpread = 2654435761U;
     const uint stationSpread = 40503U;
     return static_cast<uint>(qHash(key.regName)) ^ (static_cast<uint>(key.address) * addressSpread) ^

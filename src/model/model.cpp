@@ -5,9 +5,7 @@
 
 namespace {
 
-QString text(const char *latin1) {
-    return QString::fromLatin1(latin1);
-}
+QString text(const char *latin1) { return QString::fromLatin1(latin1); }
 
 struct RegisterKind {
     const char *name;
@@ -39,14 +37,16 @@ const RegisterKind KINDS[REGISTER_KIND_COUNT] = {
     {"C_Contact", "DDD", "0", "255", "1", "RW", "1"},
 };
 
-QList<QString> namesOfKinds() {
+QList<QString> namesOfKinds()
+{
     QList<QString> names;
     for (const RegisterKind &kind : KINDS)
         names.append(text(kind.name));
     return names;
 }
 
-QList<ADDRESS_RANGE> rangesOfKinds() {
+QList<ADDRESS_RANGE> rangesOfKinds()
+{
     QList<ADDRESS_RANGE> ranges;
     for (const RegisterKind &kind : KINDS) {
         ADDRESS_RANGE range;
@@ -76,7 +76,8 @@ const quint32 ADDRESS_RANGE_FUNC[REGISTER_KIND_COUNT] = {0xAD, 0xAC, 0xA8, 0xA2,
 
 Protocol driver;
 
-Protocol::Protocol() {
+Protocol::Protocol()
+{
     for (int kind = 0; kind < REGISTER_KIND_COUNT; ++kind)
         regNames.append(REG_LIST.at(kind));
 }

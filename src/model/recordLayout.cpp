@@ -7,7 +7,8 @@ namespace {
 
 /// Offset of a field that has `strings` QStrings before it, which differ in size between Qt versions, and otherwise
 /// lies at `on32` or `on64` in a 32-bit or 64-bit process.
-constexpr std::size_t at(std::size_t strings, std::size_t on32, std::size_t on64) {
+constexpr std::size_t at(std::size_t strings, std::size_t on32, std::size_t on64)
+{
     return strings * sizeof(QString) + (sizeof(void *) == 4 ? on32 : on64);
 }
 

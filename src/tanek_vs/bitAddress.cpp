@@ -13,7 +13,8 @@ const int UNREADABLE = -1;
 
 } // namespace
 
-int addr_str2int(const QString &addressText, const QString &regName) {
+int addr_str2int(const QString &addressText, const QString &regName)
+{
     if (!namesBitInWord(regName))
         return 0;
     const QStringList parts = addressText.split(QLatin1Char('.'));
@@ -28,12 +29,11 @@ int addr_str2int(const QString &addressText, const QString &regName) {
     return wordRead && bitRead && fits ? static_cast<int>(address) : UNREADABLE;
 }
 
-QString addr_int2str(int address, const QString &regName) {
+QString addr_int2str(int address, const QString &regName)
+{
     if (!namesBitInWord(regName))
         return QString();
     return QString::number(address / BITS_PER_WORD) + QLatin1Char('.') + QString::number(address % BITS_PER_WORD);
 }
 
-int addrOffset(const QString &, int address) {
-    return address;
-}
+int addrOffset(const QString &, int address) { return address; }

@@ -10,13 +10,12 @@ namespace {
 /// Header, trailer and the least of a body: shorter ones have nothing to double.
 const int SHORTEST_FRAME = 7;
 
-quint8 hexDigit(unsigned nibble) {
-    return static_cast<quint8>(nibble < 10 ? '0' + nibble : 'A' + (nibble - 10));
-}
+quint8 hexDigit(unsigned nibble) { return static_cast<quint8>(nibble < 10 ? '0' + nibble : 'A' + (nibble - 10)); }
 
 } // namespace
 
-quint16 computate_check(const quint8 *bytes, quint16 length) {
+quint16 computate_check(const quint8 *bytes, quint16 length)
+{
     unsigned sum = 0;
     for (int i = 0; i < length; ++i)
         sum += bytes[i];
@@ -25,7 +24,8 @@ quint16 computate_check(const quint8 *bytes, quint16 length) {
     return static_cast<quint16>(high | (low << 8));
 }
 
-bool dealFrameSend_0x10(quint8 *frame, int &length) {
+bool dealFrameSend_0x10(quint8 *frame, int &length)
+{
     if (length < SHORTEST_FRAME)
         return true;
     if (length > RECORD_BUFFER_SIZE)
@@ -45,7 +45,8 @@ bool dealFrameSend_0x10(quint8 *frame, int &length) {
     return true;
 }
 
-void dealFrameRead_0x10(QByteArray &reply) {
+void dealFrameRead_0x10(QByteArray &reply)
+{
     const int length = static_cast<int>(reply.size());
     if (length < SHORTEST_FRAME)
         return;

@@ -3,7 +3,8 @@
 #include "model/protocol.h"
 #include "model/wrappingInt.h"
 
-int judgeAddrMerge(const KEY_ADDRESS &block, const KEY_ADDRESS &key, int mode) {
+int judgeAddrMerge(const KEY_ADDRESS &block, const KEY_ADDRESS &key, int mode)
+{
     if (block.station != key.station || block.regName != key.regName)
         return 1;
     const int gap = wrappingDifference(key.address, wrappingSum(block.address, block.count));

@@ -2,22 +2,12 @@
 
 #include "model/registerTable.h"
 
-int getIndexFromRegName(const QString &regName) {
-    return static_cast<int>(REG_LIST.indexOf(regName));
-}
+int getIndexFromRegName(const QString &regName) { return static_cast<int>(REG_LIST.indexOf(regName)); }
 
-int valueWidthOf(int kind) {
-    return ADDRESS_RANGE_PRO.at(kind).valueWidth.toInt();
-}
+int valueWidthOf(int kind) { return ADDRESS_RANGE_PRO.at(kind).valueWidth.toInt(); }
 
-int unitWidthOf(int kind) {
-    return ADDRESS_RANGE_PRO.at(kind).unitWidth.toInt();
-}
+int unitWidthOf(int kind) { return ADDRESS_RANGE_PRO.at(kind).unitWidth.toInt(); }
 
-bool namesBitInWord(const QString &regName) {
-    return regName.contains(QString::fromLatin1("_bit"));
-}
+bool namesBitInWord(const QString &regName) { return regName.contains(QString::fromLatin1("_bit")); }
 
-QString nameOfWords(const QString &regName) {
-    return regName.split(QLatin1Char('_')).first();
-}
+QString nameOfWords(const QString &regName) { return regName.split(QLatin1Char('_')).first(); }

@@ -15,7 +15,8 @@
 
 namespace {
 
-bool hasGoodChecksum(const quint8 *reply, int length) {
+bool hasGoodChecksum(const quint8 *reply, int length)
+{
     const int bodySize = length - FRAME_BODY_OFFSET - FRAME_TRAILER_SIZE;
     const quint16 check = computate_check(reply + FRAME_BODY_OFFSET, static_cast<quint16>(bodySize));
     return reply[length - 2] == (check & 0xFFU) && reply[length - 1] == (check >> 8);
@@ -23,7 +24,8 @@ bool hasGoodChecksum(const quint8 *reply, int length) {
 
 } // namespace
 
-int check_rcv_data(const quint8 *reply, int length) {
+int check_rcv_data(const quint8 *reply, int length)
+{
     if (driver.frameQueue.isEmpty())
         return ReplyRefused;
     const FRAME_PRO &frame = driver.frameQueue.at(0);

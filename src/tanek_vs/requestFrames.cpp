@@ -47,29 +47,28 @@ const int REPLY_SIZE_WITHOUT_DATA = 10;
 const int LAST_NUMBER_BEFORE_SPECIAL = 8999;
 const int FIRST_SPECIAL_NUMBER = 9000;
 
-void putLittleEndian(quint8 *place, quint64 value, int size) {
+void putLittleEndian(quint8 *place, qint64 value, int size)
+{
     for (int i = 0; i < size; ++i)
         place[i] = static_cast<quint8>(value >> (8 * i));
 }
 
 /// The special registers are numbered from 9000 on by their users and from 0 on by the controller.
-int deviceAddress(const VARIABLE &request) {
+int deviceAddress(const VARIABLE &request)
+{
     const bool isSpecial = request.regName == QString::fromLatin1("SD") || request.regName == QString::fromLatin1("SM");
     return isSpecial && request.address > LAST_NUMBER_BEFORE_SPECIAL ? request.address - FIRST_SPECIAL_NUMBER
                                                                      : request.address;
 }
 
 /// The nibbles of a wire address are digits: the text of the number, read as a hexadecimal one.
-quint64 wireAddress(const QString &digits) {
-    return static_cast<quint64>(digits.toLongLong(nullptr, 16));
-}
+qint64 wireAddress(const QString &digits) { return digits.toLongLong(nullptr, 16); }
 
-QString readAddressDigits(const VARIABLE &request) {
-    return QString::number(deviceAddress(request));
-}
+QString readAddressDigits(const VARIABLE &request) { return QString::number(deviceAddress(request)); }
 
 /// Writes to bits inside words name the bit by one hexadecimal digit behind the word number; reads do not.
-QString writeAddressDigits(const VARIABLE &request) {
+QString writeAddressDigits(const VARIABLE &request)
+{
     if (!namesBitInWord(request.regName))
         return readAddressDigits(request);
     return QString::number(request.address / 16) + QString::number(request.address % 16, 16);
@@ -77,16 +76,17 @@ QString writeAddressDigits(const VARIABLE &request) {
 
 /// Completes a frame whose data bytes stand in place, and queues it unless its doubled form is too long.
 void queueFrame(FRAME_PRO &frame, const VARIABLE &request, quint8 command, int kind, const QString &addressDigits,
-                int countField, int dataSize) {
+                int countField, int dataSize)
+{
     quint8 *bytes = frame.frame;
     bytes[0] = FRAME_DLE;
     bytes[1] = FRAME_STX;
     bytes[FRAME_BODY_OFFSET] = static_cast<quint8>(request.station);
-    putLittleEndian(bytes + LENGTH_OFFSET, static_cast<quint64>(DATA_OFFSET - COMMAND_OFFSET + dataSize), 2);
+    putLittleEndian(bytes + LENGTH_OFFSET, DATA_OFFSET - COMMAND_OFFSET + dataSize, 2);
     bytes[COMMAND_OFFSET] = command;
     bytes[DEVICE_CODE_OFFSET] = static_cast<quint8>(ADDRESS_RANGE_FUNC[kind]);
     putLittleEndian(bytes + ADDRESS_OFFSET, wireAddress(addressDigits), ADDRESS_SIZE);
-    putLittleEndian(bytes + COUNT_OFFSET, static_cast<quint64>(countField), 2);
+    putLittleEndian(bytes + COUNT_OFFSET, countField, 2);
 
     quint8 *trailer = bytes + DATA_OFFSET + dataSize;
     const int bodySize = DATA_OFFSET + dataSize - FRAME_BODY_OFFSET;
@@ -100,21 +100,24 @@ void queueFrame(FRAME_PRO &frame, const VARIABLE &request, quint8 command, int k
         driver.frameQueue.append(frame);
 }
 
-int replyDataSize(int unitWidth, int count) {
+int replyDataSize(int unitWidth, int count)
+{
     if (unitWidth == 1)
         return static_cast<int>((static_cast<qint64>(count) + 7) / 8);
     return wrappingProduct(count, unitWidth == 16 ? 2 : 4);
 }
 
 /// Eight bits a byte, the first bit lowest.
-void packBits(const VARIABLE &request, quint8 *packed) {
+void packBits(const VARIABLE &request, quint8 *packed)
+{
     for (int i = 0; i < request.count; ++i)
         packed[i / 8] = static_cast<quint8>(packed[i / 8] + (request.data[i] << (i % 8)));
 }
 
 } // namespace
 
-int getReadFrame(const QList<VARIABLE> &requests) {
+int getReadFrame(const QList<VARIABLE> &requests)
+{
     if (requests.isEmpty())
         return 0;
     const VARIABLE &request = requests.at(0);
@@ -132,7 +135,8 @@ int getReadFrame(const QList<VARIABLE> &requests) {
     return 1;
 }
 
-void getWriteFrame(const VARIABLE &request) {
+void getWriteFrame(const VARIABLE &request)
+{
     const int kind = getIndexFromRegName(request.regName);
     if (kind < 0 || request.count < 0)
         return;

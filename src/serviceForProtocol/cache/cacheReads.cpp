@@ -11,11 +11,13 @@
 
 namespace {
 
-const quint8 *shownBytesAt(const ValueShape &shape, int station, int unit) {
+const quint8 *shownBytesAt(const ValueShape &shape, int station, int unit)
+{
     return shownBytes(driver.dataAreas.at(getIndexOfDataArea(station, shape.keyName, unit, driver.dataAreas)));
 }
 
-void serveBits(const ValueShape &shape, int station, int address, int count, quint8 *values) {
+void serveBits(const ValueShape &shape, int station, int address, int count, quint8 *values)
+{
     for (int i = 0; i < count; ++i) {
         const BitPlace place = placeOfBit(shape, address + i);
         const quint8 byte = shownBytesAt(shape, station, place.unit)[place.bit / 8];
@@ -23,7 +25,8 @@ void serveBits(const ValueShape &shape, int station, int address, int count, qui
     }
 }
 
-quint8 hexNibble(const QByteArray &text, qint64 position) {
+quint8 hexNibble(const QByteArray &text, qint64 position)
+{
     if (position < 0 || position >= text.size())
         return 0;
     const quint8 code = static_cast<quint8>(text.at(static_cast<int>(position)));
@@ -34,7 +37,8 @@ quint8 hexNibble(const QByteArray &text, qint64 position) {
 
 } // namespace
 
-void serveUnits(const ValueShape &shape, int station, int address, int count, quint8 *values) {
+void serveUnits(const ValueShape &shape, int station, int address, int count, quint8 *values)
+{
     const QMutexLocker lock(&driver.dataAreaMutex);
     if (shape.holdsBits())
         return serveBits(shape, station, address, count, values);
@@ -46,13 +50,15 @@ void serveUnits(const ValueShape &shape, int station, int address, int count, qu
     }
 }
 
-quint8 asc2hex(const QByteArray &text, int position) {
+quint8 asc2hex(const QByteArray &text, int position)
+{
     const int high = hexNibble(text, position);
     const int low = hexNibble(text, static_cast<qint64>(position) + 1);
     return static_cast<quint8>(16 * high + low);
 }
 
-int intf_getData(int station, const QString &regName, int address, int count, quint8 *values) {
+int intf_getData(int station, const QString &regName, int address, int count, quint8 *values)
+{
     if (values && isSensibleRun(regName, address, count))
         serveUnits(shapeOfKind(regName), station, address, count, values);
     return 1;

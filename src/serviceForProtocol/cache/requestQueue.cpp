@@ -14,19 +14,14 @@ const int DEFAULT_BITS_PER_PIECE = 256;
 
 } // namespace
 
-int bitsPerPiece() {
-    return driver.maxBitsPerWrite < 1 ? DEFAULT_BITS_PER_PIECE : driver.maxBitsPerWrite;
-}
+int bitsPerPiece() { return driver.maxBitsPerWrite < 1 ? DEFAULT_BITS_PER_PIECE : driver.maxBitsPerWrite; }
 
-int wordsPerPiece() {
-    return driver.maxWordsPerWrite < 1 ? DEFAULT_WORDS_PER_PIECE : driver.maxWordsPerWrite;
-}
+int wordsPerPiece() { return driver.maxWordsPerWrite < 1 ? DEFAULT_WORDS_PER_PIECE : driver.maxWordsPerWrite; }
 
-int pieceCount(int count, int longest) {
-    return count <= longest ? 1 : (count - 1) / longest + 1;
-}
+int pieceCount(int count, int longest) { return count <= longest ? 1 : (count - 1) / longest + 1; }
 
-KEY_ADDRESS pieceOf(const KEY_ADDRESS &record, int longest, int number, int bytesPerUnit) {
+KEY_ADDRESS pieceOf(const KEY_ADDRESS &record, int longest, int number, int bytesPerUnit)
+{
     if (record.count <= longest)
         return record;
     const int offset = number * longest;
@@ -40,12 +35,14 @@ KEY_ADDRESS pieceOf(const KEY_ADDRESS &record, int longest, int number, int byte
     return piece;
 }
 
-bool isSameRequest(const VARIABLE &left, const VARIABLE &right) {
+bool isSameRequest(const VARIABLE &left, const VARIABLE &right)
+{
     return left.address == right.address && left.count == right.count && left.station == right.station &&
            left.regName == right.regName;
 }
 
-void queueRequest(QList<VARIABLE> &queue, const VARIABLE &request) {
+void queueRequest(QList<VARIABLE> &queue, const VARIABLE &request)
+{
     for (int i = static_cast<int>(queue.size()) - 1; i >= 1; --i) {
         if (isSameRequest(queue.at(i), request)) {
             queue[i] = request;

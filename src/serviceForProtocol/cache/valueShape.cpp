@@ -5,7 +5,8 @@
 
 namespace {
 
-ValueShape wholeUnits(int unitsPerValue, int bytesPerUnit, int firstFlag) {
+ValueShape wholeUnits(int unitsPerValue, int bytesPerUnit, int firstFlag)
+{
     ValueShape shape;
     shape.unitsPerValue = unitsPerValue;
     shape.bytesPerUnit = bytesPerUnit;
@@ -13,7 +14,8 @@ ValueShape wholeUnits(int unitsPerValue, int bytesPerUnit, int firstFlag) {
     return shape;
 }
 
-ValueShape shapeOf32BitValues(int unitWidth) {
+ValueShape shapeOf32BitValues(int unitWidth)
+{
     ValueShape shape = wholeUnits(1, 4, 0);
     if (unitWidth == 16)
         shape = wholeUnits(2, 2, 1);
@@ -23,11 +25,10 @@ ValueShape shapeOf32BitValues(int unitWidth) {
     return shape;
 }
 
-ValueShape shapeOf16BitValues(int unitWidth) {
-    return unitWidth == 8 ? wholeUnits(2, 1, 1) : wholeUnits(1, 2, 0);
-}
+ValueShape shapeOf16BitValues(int unitWidth) { return unitWidth == 8 ? wholeUnits(2, 1, 1) : wholeUnits(1, 2, 0); }
 
-ValueShape shapeOfBitsInUnits(int unitWidth) {
+ValueShape shapeOfBitsInUnits(int unitWidth)
+{
     if (unitWidth != 16 && unitWidth != 8)
         return ValueShape();
     ValueShape shape = wholeUnits(1, unitWidth / 8, 0);
@@ -35,13 +36,15 @@ ValueShape shapeOfBitsInUnits(int unitWidth) {
     return shape;
 }
 
-ValueShape shapeOfPlainUnits() {
+ValueShape shapeOfPlainUnits()
+{
     ValueShape shape = wholeUnits(1, 1, 0);
     shape.isPlain = true;
     return shape;
 }
 
-ValueShape shapeOfWidths(int valueWidth, int unitWidth, bool bitInUnit) {
+ValueShape shapeOfWidths(int valueWidth, int unitWidth, bool bitInUnit)
+{
     switch (valueWidth) {
     case 32:
         return shapeOf32BitValues(unitWidth);
@@ -57,27 +60,29 @@ ValueShape shapeOfWidths(int valueWidth, int unitWidth, bool bitInUnit) {
 
 } // namespace
 
-ValueShape valueShape(int valueWidth, int unitWidth, const QString &regName) {
+ValueShape valueShape(int valueWidth, int unitWidth, const QString &regName)
+{
     ValueShape shape = shapeOfWidths(valueWidth, unitWidth, namesBitInWord(regName));
     shape.keyName = shape.isPlain ? regName : nameOfWords(regName);
     return shape;
 }
 
-ValueShape shapeOfKind(const QString &regName) {
+ValueShape shapeOfKind(const QString &regName)
+{
     const int kind = getIndexFromRegName(regName);
     return kind < 0 ? ValueShape() : valueShape(valueWidthOf(kind), unitWidthOf(kind), regName);
 }
 
-BitPlace placeOfBit(const ValueShape &shape, int bitAddress) {
+BitPlace placeOfBit(const ValueShape &shape, int bitAddress)
+{
     const BitPlace place = {bitAddress / shape.bitsPerUnit, bitAddress % shape.bitsPerUnit};
     return place;
 }
 
-const quint8 *shownBytes(const _DATA_ &area) {
-    return area.writePending ? area.writeValue : area.readValue;
-}
+const quint8 *shownBytes(const _DATA_ &area) { return area.writePending ? area.writeValue : area.readValue; }
 
-int unitContents(const ValueShape &shape, const quint8 *bytes) {
+int unitContents(const ValueShape &shape, const quint8 *bytes)
+{
     if (shape.bytesPerUnit == 4)
         return uchar2int32(bytes[0], bytes[1], bytes[2], bytes[3]);
     return shape.bytesPerUnit == 2 ? uchar2int16(bytes[0], bytes[1]) : bytes[0];

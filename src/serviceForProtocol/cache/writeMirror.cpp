@@ -24,16 +24,16 @@ struct UnitChange {
     bool isVisible() const { return before != after; }
 };
 
-std::size_t sizeOfUnit(const ValueShape &shape) {
-    return static_cast<std::size_t>(shape.bytesPerUnit);
-}
+std::size_t sizeOfUnit(const ValueShape &shape) { return static_cast<std::size_t>(shape.bytesPerUnit); }
 
 /// Index of the unit's entry; the caller holds the cache's lock.
-int lookUp(const ValueShape &shape, int station, int unit) {
+int lookUp(const ValueShape &shape, int station, int unit)
+{
     return getIndexOfDataArea(station, shape.keyName, unit, driver.dataAreas);
 }
 
-UnitChange mirrorUnit(const ValueShape &shape, int station, int unit, const quint8 *bytes) {
+UnitChange mirrorUnit(const ValueShape &shape, int station, int unit, const quint8 *bytes)
+{
     const QMutexLocker lock(&driver.dataAreaMutex);
     const int index = lookUp(shape, station, unit);
     _DATA_ &area = driver.dataAreas[index];
@@ -44,7 +44,8 @@ UnitChange mirrorUnit(const ValueShape &shape, int station, int unit, const quin
 }
 
 void mirrorWholeUnits(const ValueShape &shape, int station, const QString &regName, int address, int count,
-                      const quint8 *values) {
+                      const quint8 *values)
+{
     const int units = static_cast<int>(shape.unitsOf(count));
     for (int i = 0; i < units; ++i) {
         // The high units of a value come first: a host told about its low unit finds the value complete.
@@ -52,7 +53,8 @@ void mirrorWholeUnits(const ValueShape &shape, int station, const QString &regNa
         const int place = shape.unitsPerValue - 1 - i % shape.unitsPerValue;
         const int offset = value * shape.unitsPerValue + place;
         const int unit = wrappingSum(address, offset);
-        const UnitChange change = mirrorUnit(shape, station, unit, values + offset * shape.bytesPerUnit);
+        const UnitChange change =
+            mirrorUnit(shape, station, unit, values + static_cast<std::size_t>(offset) * sizeOfUnit(shape));
         if (!change.isVisible())
             continue;
         if (shape.isPlain)
@@ -62,30 +64,26 @@ void mirrorWholeUnits(const ValueShape &shape, int station, const QString &regNa
     }
 }
 
-void setBitOfByte(quint8 &byte, int bit, bool on) {
-    byte = static_cast<quint8>(_setBitValue(byte, bit, on ? 1 : 0));
-}
+void setBitOfByte(quint8 &byte, int bit, bool on) { byte = static_cast<quint8>(_setBitValue(byte, bit, on ? 1 : 0)); }
+
+bool bitOfByte(unsigned byte, int bit) { return (byte >> bit & 1U) != 0; }
 
 /// The two bits of `pendingBitWrites` that stand for a bit of the unit.
-int firstPendingBit(int bit) {
-    return 2 * bit;
-}
-int secondPendingBit(int bit) {
-    return 2 * bit + 1;
-}
+int firstPendingBit(int bit) { return 2 * bit; }
+int secondPendingBit(int bit) { return 2 * bit + 1; }
 
-bool isPendingBit(const _DATA_ &area, int pendingBit) {
-    return (area.pendingBitWrites >> pendingBit & 1U) != 0;
-}
+bool isPendingBit(const _DATA_ &area, int pendingBit) { return (area.pendingBitWrites >> pendingBit & 1U) != 0; }
 
-void setPendingBit(_DATA_ &area, int pendingBit, bool on) {
+void setPendingBit(_DATA_ &area, int pendingBit, bool on)
+{
     area.pendingBitWrites =
         static_cast<quint32>(_setBitValue(static_cast<int>(area.pendingBitWrites), pendingBit, on ? 1 : 0));
 }
 
 /// Shows the bit.
 /// @param isFirstPending receives whether no write of this bit was outstanding before.
-UnitChange mirrorBit(const ValueShape &shape, int station, int bitAddress, bool on, bool &isFirstPending) {
+UnitChange mirrorBit(const ValueShape &shape, int station, int bitAddress, bool on, bool &isFirstPending)
+{
     const BitPlace place = placeOfBit(shape, bitAddress);
     const QMutexLocker lock(&driver.dataAreaMutex);
     const int index = lookUp(shape, station, place.unit);
@@ -102,7 +100,8 @@ UnitChange mirrorBit(const ValueShape &shape, int station, int bitAddress, bool 
     return change;
 }
 
-int countQueued(const VARIABLE &request) {
+int countQueued(const VARIABLE &request)
+{
     const QMutexLocker lock(&driver.mutex);
     int count = 0;
     for (int i = 0; i < driver.writeQueue.size(); ++i)
@@ -111,14 +110,16 @@ int countQueued(const VARIABLE &request) {
 }
 
 /// A second write of the same bit counts only when the very same request waits behind the first.
-void countSecondWrite(const ValueShape &shape, const VARIABLE &request, int bitAddress, int index) {
+void countSecondWrite(const ValueShape &shape, const VARIABLE &request, int bitAddress, int index)
+{
     if (countQueued(request) != 2)
         return;
     const QMutexLocker lock(&driver.dataAreaMutex);
     setPendingBit(driver.dataAreas[index], secondPendingBit(placeOfBit(shape, bitAddress).bit), true);
 }
 
-void mirrorBits(const ValueShape &shape, const VARIABLE &request, const quint8 *values) {
+void mirrorBits(const ValueShape &shape, const VARIABLE &request, const quint8 *values)
+{
     for (int i = 0; i < request.count; ++i) {
         const int bitAddress = request.address + i;
         bool isFirstPending = true;
@@ -131,7 +132,8 @@ void mirrorBits(const ValueShape &shape, const VARIABLE &request, const quint8 *
 }
 
 /// @return the unit as written and as read after settling.
-UnitChange settleUnit(const ValueShape &shape, int station, int unit, bool accepted) {
+UnitChange settleUnit(const ValueShape &shape, int station, int unit, bool accepted)
+{
     const QMutexLocker lock(&driver.dataAreaMutex);
     const int index = lookUp(shape, station, unit);
     _DATA_ &area = driver.dataAreas[index];
@@ -143,7 +145,8 @@ UnitChange settleUnit(const ValueShape &shape, int station, int unit, bool accep
 }
 
 void settleWholeUnits(const ValueShape &shape, int station, const QString &regName, int address, int count,
-                      bool accepted) {
+                      bool accepted)
+{
     for (int i = 0; i < count; ++i) {
         const int unit = wrappingSum(address, i);
         const UnitChange change = settleUnit(shape, station, unit, accepted);
@@ -164,7 +167,8 @@ struct SettledBit {
     bool isUnitSettled;
 };
 
-SettledBit settleBit(const ValueShape &shape, int station, int bitAddress, bool accepted) {
+SettledBit settleBit(const ValueShape &shape, int station, int bitAddress, bool accepted)
+{
     const BitPlace place = placeOfBit(shape, bitAddress);
     const QMutexLocker lock(&driver.dataAreaMutex);
     const int index = lookUp(shape, station, place.unit);
@@ -175,12 +179,13 @@ SettledBit settleBit(const ValueShape &shape, int station, int bitAddress, bool 
         area.writePending = 0;
     const int byte = place.bit / 8;
     if (accepted)
-        setBitOfByte(area.readValue[byte], place.bit % 8, (area.writeValue[byte] >> (place.bit % 8) & 1U) != 0);
+        setBitOfByte(area.readValue[byte], place.bit % 8, bitOfByte(area.writeValue[byte], place.bit % 8));
     const SettledBit settled = {index, area.writePending == 0};
     return settled;
 }
 
-void settleBits(const ValueShape &shape, int station, int address, int count, bool accepted) {
+void settleBits(const ValueShape &shape, int station, int address, int count, bool accepted)
+{
     for (int i = 0; i < count; ++i) {
         const SettledBit settled = settleBit(shape, station, address + i, accepted);
         if (settled.isUnitSettled)
@@ -191,7 +196,8 @@ void settleBits(const ValueShape &shape, int station, int address, int count, bo
 } // namespace
 
 void mirrorUnits(const ValueShape &shape, int station, const QString &regName, int address, int count,
-                 const quint8 *values) {
+                 const quint8 *values)
+{
     if (!shape.holdsBits())
         return mirrorWholeUnits(shape, station, regName, address, count, values);
     VARIABLE request;
@@ -202,18 +208,21 @@ void mirrorUnits(const ValueShape &shape, int station, const QString &regName, i
     mirrorBits(shape, request, values);
 }
 
-void settleUnits(const ValueShape &shape, int station, const QString &regName, int address, int count, bool accepted) {
+void settleUnits(const ValueShape &shape, int station, const QString &regName, int address, int count, bool accepted)
+{
     if (shape.holdsBits())
         settleBits(shape, station, address, count, accepted);
     else if (shape.unitsPerValue != 0)
         settleWholeUnits(shape, station, regName, address, count, accepted);
 }
 
-void write_saveDataToArea(int station, const QString &regName, int address, int count, const quint8 *values) {
+void write_saveDataToArea(int station, const QString &regName, int address, int count, const quint8 *values)
+{
     if (isSensibleRun(regName, address, count))
         mirrorUnits(shapeOfKind(regName), station, regName, address, count, values);
 }
 
-void _write_FailOrSuc(int station, const QString &regName, int address, int count, int result) {
+void _write_FailOrSuc(int station, const QString &regName, int address, int count, int result)
+{
     settleUnits(shapeOfKind(regName), station, regName, address, count, result == ACCEPTED);
 }

@@ -27,19 +27,22 @@ public:
     MirroringInProgress &operator=(const MirroringInProgress &) = delete;
 
 private:
-    static void change(int by) {
+    static void change(int by)
+    {
         const QMutexLocker lock(&driver.mutex);
         driver.writesBeingMirrored += by;
     }
 };
 
-void appendPieces(const KEY_ADDRESS &record, int longest, int bytesPerUnit, QList<KEY_ADDRESS> &pieces) {
+void appendPieces(const KEY_ADDRESS &record, int longest, int bytesPerUnit, QList<KEY_ADDRESS> &pieces)
+{
     const int number = longest < 1 ? 1 : pieceCount(record.count, longest);
     for (int i = 0; i < number; ++i)
         pieces.append(number == 1 ? record : pieceOf(record, longest, i, bytesPerUnit));
 }
 
-QList<KEY_ADDRESS> piecesOf(const KEY_ADDRESS &record, bool bits) {
+QList<KEY_ADDRESS> piecesOf(const KEY_ADDRESS &record, bool bits)
+{
     QList<KEY_ADDRESS> pieces;
     if (bits)
         groupingKey(record, bitsPerPiece(), pieces, 1);
@@ -48,7 +51,8 @@ QList<KEY_ADDRESS> piecesOf(const KEY_ADDRESS &record, bool bits) {
     return pieces;
 }
 
-VARIABLE requestOf(const KEY_ADDRESS &piece, std::uintptr_t hostContext) {
+VARIABLE requestOf(const KEY_ADDRESS &piece, std::uintptr_t hostContext)
+{
     VARIABLE request;
     request.hostContext = hostContext;
     request.station = piece.station;
@@ -61,7 +65,8 @@ VARIABLE requestOf(const KEY_ADDRESS &piece, std::uintptr_t hostContext) {
 
 /// The requests of a write, in device units. Pieces are cut in words: where a unit is not a word, the address of each
 /// further piece moves by what the counts of those before it shrank or grew.
-QList<VARIABLE> requestsOf(const KEY_ADDRESS &record, int valueWidth, int unitWidth, std::uintptr_t hostContext) {
+QList<VARIABLE> requestsOf(const KEY_ADDRESS &record, int valueWidth, int unitWidth, std::uintptr_t hostContext)
+{
     const bool bits = valueWidth == 1;
     const QList<KEY_ADDRESS> pieces = piecesOf(record, bits);
     QList<VARIABLE> requests;
@@ -78,7 +83,8 @@ QList<VARIABLE> requestsOf(const KEY_ADDRESS &record, int valueWidth, int unitWi
     return requests;
 }
 
-void queueWrites(const QList<VARIABLE> &requests) {
+void queueWrites(const QList<VARIABLE> &requests)
+{
     const QMutexLocker lock(&driver.mutex);
     for (int i = 0; i < requests.size(); ++i)
         queueRequest(driver.writeQueue, requests.at(i));
@@ -86,12 +92,14 @@ void queueWrites(const QList<VARIABLE> &requests) {
 
 } // namespace
 
-void groupingKey(const KEY_ADDRESS &record, int longest, QList<KEY_ADDRESS> &pieces, int) {
+void groupingKey(const KEY_ADDRESS &record, int longest, QList<KEY_ADDRESS> &pieces, int)
+{
     appendPieces(record, longest, BYTES_PER_BIT, pieces);
 }
 
 int intf_setData(int station, const QString &regName, int address, int count, const quint8 *values,
-                 std::uintptr_t hostContext) {
+                 std::uintptr_t hostContext)
+{
     if (!values || !isSensibleRun(regName, address, count))
         return 1;
     if (driver.cacheOnlyWrites) {

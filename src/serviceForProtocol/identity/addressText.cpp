@@ -26,11 +26,13 @@ const int DATA_TYPES_OF_32_BIT_KINDS[] = {1, 3, 5, 6, 9};
 const int WRITING_MODES[] = {1, 2};
 const int WORD_WIDTH = 16;
 
-template <std::size_t size> bool contains(const int (&numbers)[size], int number) {
+template <std::size_t size> bool contains(const int (&numbers)[size], int number)
+{
     return std::find(numbers, numbers + size, number) != numbers + size;
 }
 
-int baseOfFormat(const QString &addrFormat) {
+int baseOfFormat(const QString &addrFormat)
+{
     if (addrFormat.endsWith(QLatin1Char('O')))
         return 8;
     return addrFormat.endsWith(QLatin1Char('H')) ? 16 : 10;
@@ -41,7 +43,8 @@ struct NumberRange {
     int highest;
 };
 
-NumberRange rangeOf(int kind) {
+NumberRange rangeOf(int kind)
+{
     const ADDRESS_RANGE &row = ADDRESS_RANGE_PRO.at(kind);
     NumberRange range = {0, 0};
     a2i(row.maxAddr, range.highest, row.addrFormat, REG_LIST.at(kind));
@@ -50,13 +53,15 @@ NumberRange rangeOf(int kind) {
 }
 
 /// In real numbers: three words are one and a half 32-bit counters.
-bool isInRange(const NumberRange &range, int number, int count, int unitWidth) {
+bool isInRange(const NumberRange &range, int number, int count, int unitWidth)
+{
     const double end = number + static_cast<double>(count) * WORD_WIDTH / unitWidth;
     return number >= range.lowest && end <= static_cast<double>(range.highest) + 1;
 }
 
 /// The last steps of both checks: read the text, test the range.
-AddressCheck checkText(int kind, const QString &addressText, int *address, int count, bool bitAccess) {
+AddressCheck checkText(int kind, const QString &addressText, int *address, int count, bool bitAccess)
+{
     const ADDRESS_RANGE &row = ADDRESS_RANGE_PRO.at(kind);
     if (a2i(addressText, *address, row.addrFormat, REG_LIST.at(kind)) != 1)
         return AddressUnreadable;
@@ -68,11 +73,13 @@ AddressCheck checkText(int kind, const QString &addressText, int *address, int c
 
 } // namespace
 
-bool isMixedFormat(const QString &addrFormat) {
+bool isMixedFormat(const QString &addrFormat)
+{
     return !addrFormat.isEmpty() && addrFormat.count(addrFormat.at(0)) != addrFormat.size();
 }
 
-int a2i(const QString &addressText, int &address, const QString &addrFormat, const QString &regName) {
+int a2i(const QString &addressText, int &address, const QString &addrFormat, const QString &regName)
+{
     if (isMixedFormat(addrFormat)) {
         const int number = addr_str2int(addressText, regName);
         if (number == -1)
@@ -85,27 +92,30 @@ int a2i(const QString &addressText, int &address, const QString &addrFormat, con
     return isNumber ? 1 : -1;
 }
 
-int hostUnitsOf(int kind) {
+int hostUnitsOf(int kind)
+{
     const NumberRange range = rangeOf(kind);
     const int units = range.highest - range.lowest + 1;
     return valueWidthOf(kind) == 1 ? units : units * unitWidthOf(kind) / WORD_WIDTH;
 }
 
-int hostUnitsOfLargestKind() {
+int hostUnitsOfLargestKind()
+{
     int most = 0;
     for (int kind = 0; kind < REGISTER_KIND_COUNT; ++kind)
         most = std::max(most, hostUnitsOf(kind));
     return most;
 }
 
-bool isSensibleRun(const QString &regName, int address, int count) {
+bool isSensibleRun(const QString &regName, int address, int count)
+{
     const int kind = getIndexFromRegName(regName);
     return kind >= 0 && address >= 0 && count >= 1 && count <= hostUnitsOf(kind) &&
            address <= std::numeric_limits<int>::max() - (count - 1);
 }
 
-int intf_checkAddrValidity(const QString &regName, const QString &addressText, int *address, int count,
-                           int wordAccess) {
+int intf_checkAddrValidity(const QString &regName, const QString &addressText, int *address, int count, int wordAccess)
+{
     int unwanted = 0;
     const int kind = getIndexFromRegName(regName);
     if (kind < 0)
@@ -117,7 +127,8 @@ int intf_checkAddrValidity(const QString &regName, const QString &addressText, i
 }
 
 int intf_checkAddr(const QString &regName, const QString &addressText, int *address, int dataType, int count,
-                   int accessMode) {
+                   int accessMode)
+{
     int unwanted = 0;
     const int kind = getIndexFromRegName(regName);
     if (kind < 0)

@@ -11,7 +11,8 @@ namespace {
 const int PROPERTY_NUMBERS = 5;
 const int BITS_PER_GAP_UNIT = 8;
 
-void readSettings(const QString &property) {
+void readSettings(const QString &property)
+{
     const QStringList parts = property.split(QLatin1Char('#'));
     if (parts.size() < PROPERTY_NUMBERS)
         return;
@@ -21,7 +22,8 @@ void readSettings(const QString &property) {
     driver.mergeGap = parts.at(4).toInt(nullptr, 10);
 }
 
-void dropWork() {
+void dropWork()
+{
     driver.readBlocks.clear();
     driver.writeQueue.clear();
     driver.conditionReads.clear();
@@ -36,16 +38,16 @@ void dropWork() {
 
 } // namespace
 
-void intf_getProtocolType(int *type) {
+void intf_getProtocolType(int *type)
+{
     if (type)
         *type = 0;
 }
 
-QString intf_getVersion() {
-    return PROCOTOL_VERSION;
-}
+QString intf_getVersion() { return PROCOTOL_VERSION; }
 
-void intf_getDriverParameter(QString &text) {
+void intf_getDriverParameter(QString &text)
+{
     QStringList parts;
     parts << QString::number(0) << PROCOTOL_DEFALT_COM_PAR << QString::number(1) << QString::number(0)
           << PROCOTOL_DEFALT_IP_PAR << PROCOTOL_NAME << QStringList(driver.regNames);
@@ -53,7 +55,8 @@ void intf_getDriverParameter(QString &text) {
 }
 
 int intf_initProperty(quint8 *hostControlBlock, void *, quint16 *recipeBuffer, int *result, const char *property,
-                      QMutex *hostMutex) {
+                      QMutex *hostMutex)
+{
     if (result)
         *result = 0;
     readSettings(QString::fromLatin1(property));
@@ -66,14 +69,8 @@ int intf_initProperty(quint8 *hostControlBlock, void *, quint16 *recipeBuffer, i
     return 1;
 }
 
-void intf_getDriverPropertyPage(QString &text) {
-    text = PROCOTOL_PAR_HMI_SET_MODE;
-}
+void intf_getDriverPropertyPage(QString &text) { text = PROCOTOL_PAR_HMI_SET_MODE; }
 
-void intf_SetDriverPropertyPage(const QString &text) {
-    driver.propertyPageText = text;
-}
+void intf_SetDriverPropertyPage(const QString &text) { driver.propertyPageText = text; }
 
-void intf_setAddrValueChangeCallBack(ValueChangeCallback callback) {
-    driver.valueChangeCallback = callback;
-}
+void intf_setAddrValueChangeCallBack(ValueChangeCallback callback) { driver.valueChangeCallback = callback; }

@@ -18,7 +18,8 @@ struct Code {
 const Code DATA_SIZE_CODES[] = {{"1", "0"}, {"8", "1"}, {"16", "1"}, {"32", "2"}};
 const Code ACCESS_CODES[] = {{"R", "0"}, {"RW", "1"}, {"W", "2"}};
 
-template <std::size_t size> QString codeOf(const QString &columnText, const Code (&codes)[size]) {
+template <std::size_t size> QString codeOf(const QString &columnText, const Code (&codes)[size])
+{
     for (const Code &entry : codes) {
         if (columnText == QString::fromLatin1(entry.columnText))
             return QString::fromLatin1(entry.code);
@@ -28,7 +29,8 @@ template <std::size_t size> QString codeOf(const QString &columnText, const Code
 
 } // namespace
 
-int intf_getRegListByType(int type, QStringList &names) {
+int intf_getRegListByType(int type, QStringList &names)
+{
     for (int kind = 0; kind < REGISTER_KIND_COUNT; ++kind) {
         const bool holdsBits = valueWidthOf(kind) == 1;
         if (holdsBits == (type == TYPE_BITS))
@@ -37,7 +39,8 @@ int intf_getRegListByType(int type, QStringList &names) {
     return type == TYPE_BITS || type == TYPE_WORDS ? 1 : 0;
 }
 
-int intf_getRegDiscription(const QString &regName, QStringList &texts) {
+int intf_getRegDiscription(const QString &regName, QStringList &texts)
+{
     const int kind = getIndexFromRegName(regName);
     if (kind < 0)
         return 0;

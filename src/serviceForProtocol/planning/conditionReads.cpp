@@ -11,7 +11,8 @@ namespace {
 const int UNIT_CODE_BITS = -1;
 const int WORD_WIDTH = 16;
 
-VARIABLE conditionRead(const KEY_ADDRESS &piece, int unitWidth, std::uintptr_t hostContext) {
+VARIABLE conditionRead(const KEY_ADDRESS &piece, int unitWidth, std::uintptr_t hostContext)
+{
     VARIABLE request;
     request.hostContext = hostContext;
     request.station = piece.station;
@@ -31,7 +32,8 @@ VARIABLE conditionRead(const KEY_ADDRESS &piece, int unitWidth, std::uintptr_t h
 
 } // namespace
 
-int intf_addConditionRead(const KEY_ADDRESS *key, std::uintptr_t hostContext) {
+int intf_addConditionRead(const KEY_ADDRESS *key, std::uintptr_t hostContext)
+{
     if (!key || !isSensibleRun(key->regName, key->address, key->count))
         return 1;
     const int unitWidth = unitWidthOf(getIndexFromRegName(key->regName));

@@ -15,7 +15,8 @@ enum MultiCopyResult { MultiCopyRefused = 0, MultiCopyComplete = 1, MultiCopyCla
 const int STEP_OF_WORDS = -1;
 const int STEP_OF_DOUBLE_WORDS = -2;
 
-int resolvedStep(int step, const QString &regName) {
+int resolvedStep(int step, const QString &regName)
+{
     const int kind = getIndexFromRegName(regName);
     const int unitWidth = kind < 0 ? 0 : unitWidthOf(kind);
     if (unitWidth > 0 && step == STEP_OF_WORDS)
@@ -26,7 +27,8 @@ int resolvedStep(int step, const QString &regName) {
 }
 
 /// Base of a plain format; 0: the format's letter names none.
-int baseOf(const QString &addrFormat) {
+int baseOf(const QString &addrFormat)
+{
     if (addrFormat.startsWith(QLatin1Char('D')))
         return 10;
     if (addrFormat.startsWith(QLatin1Char('O')))
@@ -35,7 +37,8 @@ int baseOf(const QString &addrFormat) {
 }
 
 /// The address's text; empty when it cannot be made.
-QString addressText(int address, const QString &addrFormat, const QString &regName) {
+QString addressText(int address, const QString &addrFormat, const QString &regName)
+{
     if (isMixedFormat(addrFormat))
         return addr_int2str(address, regName);
     const int base = baseOf(addrFormat);
@@ -45,7 +48,8 @@ QString addressText(int address, const QString &addrFormat, const QString &regNa
 } // namespace
 
 int multiCp(const QString &regName, const QString &addrFormat, int start, int number, int step, QVector<QString> &texts,
-            QVector<int> &numbers, int highest, const QString &highestText) {
+            QVector<int> &numbers, int highest, const QString &highestText)
+{
     const bool mixed = isMixedFormat(addrFormat);
     const qint64 distance = resolvedStep(step, regName);
     int result = MultiCopyComplete;
@@ -67,7 +71,8 @@ int multiCp(const QString &regName, const QString &addrFormat, int start, int nu
 }
 
 int intf_multiCopy(const QString &regName, int start, int number, int step, QVector<QString> &texts,
-                   QVector<int> &numbers) {
+                   QVector<int> &numbers)
+{
     const int kind = getIndexFromRegName(regName);
     if (kind < 0 || number > hostUnitsOfLargestKind())
         return MultiCopyRefused;

@@ -21,11 +21,10 @@ const std::uintptr_t POLL_CONTEXT = 4;
 
 enum JoinMode { JoinTouching = 0, JoinAcrossGap = 1 };
 
-int unitsOfWords(int words, int unitWidth) {
-    return wrap(static_cast<qint64>(words) * WORD_WIDTH / unitWidth);
-}
+int unitsOfWords(int words, int unitWidth) { return wrap(static_cast<qint64>(words) * WORD_WIDTH / unitWidth); }
 
-void convertPollKey(KEY_ADDRESS &key) {
+void convertPollKey(KEY_ADDRESS &key)
+{
     const int kind = getIndexFromRegName(key.regName);
     if (kind < 0)
         return;
@@ -39,13 +38,15 @@ void convertPollKey(KEY_ADDRESS &key) {
     }
 }
 
-void convertRecipeKey(KEY_ADDRESS &key) {
+void convertRecipeKey(KEY_ADDRESS &key)
+{
     const int kind = getIndexFromRegName(key.regName);
     if (kind >= 0 && valueWidthOf(kind) != 1)
         key.count = unitsOfWords(key.count, unitWidthOf(kind));
 }
 
-void sortByWeight(QList<KEY_ADDRESS> &keys) {
+void sortByWeight(QList<KEY_ADDRESS> &keys)
+{
     typedef std::pair<quint32, int> WeightAndPlace; // ordered by weight, then place: keys of one weight keep theirs
     std::vector<WeightAndPlace> order;
     order.reserve(static_cast<std::size_t>(keys.size()));
@@ -62,7 +63,8 @@ void sortByWeight(QList<KEY_ADDRESS> &keys) {
 
 /// Lengthens the block to the end of the key, if it stays within the limit. A block's start never moves: what a key
 /// has before it was covered by the pieces that the block's own key was cut into.
-bool lengthen(KEY_ADDRESS &block, const KEY_ADDRESS &key) {
+bool lengthen(KEY_ADDRESS &block, const KEY_ADDRESS &key)
+{
     const int span = wrappingDifference(wrappingSum(key.address, key.count), block.address);
     if (span > BLOCK_LIMIT)
         return false;
@@ -70,7 +72,8 @@ bool lengthen(KEY_ADDRESS &block, const KEY_ADDRESS &key) {
     return true;
 }
 
-bool join(KEY_ADDRESS &block, const KEY_ADDRESS &key, JoinMode mode) {
+bool join(KEY_ADDRESS &block, const KEY_ADDRESS &key, JoinMode mode)
+{
     return judgeAddrMerge(block, key, mode) == 0 && lengthen(block, key);
 }
 
@@ -79,7 +82,8 @@ class BlockBuilder {
 public:
     explicit BlockBuilder(bool forRecipe) : m_forRecipe(forRecipe) {}
 
-    void add(const KEY_ADDRESS &key, int index) {
+    void add(const KEY_ADDRESS &key, int index)
+    {
         if (m_hasBlock) {
             cutLongBlock();
             if (mayJoin(key) && join(m_block, key, JoinTouching))
@@ -91,7 +95,8 @@ public:
         m_hasBlock = true;
     }
 
-    QList<KEY_ADDRESS> finish() {
+    QList<KEY_ADDRESS> finish()
+    {
         cutLongBlock();
         finishBlock();
         return m_blocks;
@@ -100,11 +105,13 @@ public:
 private:
     /// A recipe's block takes its values from one run of the buffer, so nothing can join it from before its start;
     /// and a key whose count makes no sense must not pass as part of a good block.
-    bool mayJoin(const KEY_ADDRESS &key) const {
+    bool mayJoin(const KEY_ADDRESS &key) const
+    {
         return !m_forRecipe || (key.address >= m_block.address && key.count >= 0);
     }
 
-    void cutLongBlock() {
+    void cutLongBlock()
+    {
         while (m_block.count > BLOCK_LIMIT) {
             const int rest = m_block.count - BLOCK_LIMIT;
             m_block.count = BLOCK_LIMIT;
@@ -117,14 +124,16 @@ private:
     }
 
     /// Bits have no place of their own in the buffer.
-    int bufferWordsOfFullBlock() const {
+    int bufferWordsOfFullBlock() const
+    {
         const int kind = getIndexFromRegName(m_block.regName);
         if (kind < 0 || valueWidthOf(kind) == 1)
             return 0;
         return BLOCK_LIMIT * unitWidthOf(kind) / WORD_WIDTH;
     }
 
-    void finishBlock() {
+    void finishBlock()
+    {
         m_blocks.append(m_block);
         if (m_forRecipe)
             driver.recipeBlockFirstItem.append(m_firstKey);
@@ -138,7 +147,8 @@ private:
 };
 
 /// The second pass: blocks close to each other become one that covers the gap too.
-QList<KEY_ADDRESS> bridgeGaps(const QList<KEY_ADDRESS> &blocks) {
+QList<KEY_ADDRESS> bridgeGaps(const QList<KEY_ADDRESS> &blocks)
+{
     QList<KEY_ADDRESS> bridged;
     KEY_ADDRESS block = blocks.at(0);
     for (int i = 1; i < blocks.size(); ++i) {
@@ -151,7 +161,8 @@ QList<KEY_ADDRESS> bridgeGaps(const QList<KEY_ADDRESS> &blocks) {
     return bridged;
 }
 
-VARIABLE pollRequest(const KEY_ADDRESS &block) {
+VARIABLE pollRequest(const KEY_ADDRESS &block)
+{
     VARIABLE request;
     request.hostContext = POLL_CONTEXT;
     request.station = block.station;
@@ -163,14 +174,16 @@ VARIABLE pollRequest(const KEY_ADDRESS &block) {
 
 } // namespace
 
-quint32 getRegAddressWeight(int station, const QString &regName, int address) {
+quint32 getRegAddressWeight(int station, const QString &regName, int address)
+{
     const quint32 kinds = static_cast<quint32>(driver.regNames.size());
     const quint32 kind = static_cast<quint32>(driver.regNames.indexOf(regName));
     return static_cast<quint32>(station) * (kinds * WEIGHT_OF_KIND) + kind * WEIGHT_OF_KIND +
            static_cast<quint32>(address);
 }
 
-void addrMerge(QList<KEY_ADDRESS> &keys, int mode) {
+void addrMerge(QList<KEY_ADDRESS> &keys, int mode)
+{
     if (keys.isEmpty())
         return;
     const bool forRecipe = mode == MergeRecipe;
@@ -186,7 +199,8 @@ void addrMerge(QList<KEY_ADDRESS> &keys, int mode) {
     keys = forRecipe ? blocks : bridgeGaps(blocks);
 }
 
-int intf_addrMerge(const QList<KEY_ADDRESS> *keys) {
+int intf_addrMerge(const QList<KEY_ADDRESS> *keys)
+{
     clearMonitorFlags();
     QList<KEY_ADDRESS> blocks;
     for (int i = 0; keys && i < keys->size(); ++i) {

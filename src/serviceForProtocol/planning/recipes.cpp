@@ -16,7 +16,8 @@ namespace {
 /// The count that no request can be built for.
 const int COUNT_OF_NO_REQUEST = -1;
 
-QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items) {
+QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items)
+{
     typedef std::pair<quint32, int> WeightAndPlace; // ordered by weight, then by the host's order
     std::vector<WeightAndPlace> order;
     for (int i = 0; i < items.size(); ++i) {
@@ -32,13 +33,15 @@ QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items) {
 }
 
 /// An item longer than its whole kind would be cut into pieces without end; it gets one block that cannot be sent.
-int plannedCount(const _RCP_VAR_PRO &item) {
+int plannedCount(const _RCP_VAR_PRO &item)
+{
     const int kind = getIndexFromRegName(item.regName);
     const int most = kind < 0 ? hostUnitsOfLargestKind() : hostUnitsOf(kind);
     return item.count > most ? COUNT_OF_NO_REQUEST : item.count;
 }
 
-KEY_ADDRESS keyOf(const _RCP_VAR_PRO &item) {
+KEY_ADDRESS keyOf(const _RCP_VAR_PRO &item)
+{
     KEY_ADDRESS key;
     key.station = item.station;
     key.regName = item.regName;
@@ -48,7 +51,8 @@ KEY_ADDRESS keyOf(const _RCP_VAR_PRO &item) {
     return key;
 }
 
-_RCP_VAR_PRO blockOf(const KEY_ADDRESS &key) {
+_RCP_VAR_PRO blockOf(const KEY_ADDRESS &key)
+{
     _RCP_VAR_PRO block;
     block.station = key.station;
     block.regName = key.regName;
@@ -60,7 +64,8 @@ _RCP_VAR_PRO blockOf(const KEY_ADDRESS &key) {
 
 } // namespace
 
-int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items) {
+int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items)
+{
     driver.recipeItems = items ? itemsOfThisInstance(*items) : QVector<_RCP_VAR_PRO>();
     driver.recipeBlocks.clear();
     driver.recipeBlockFirstItem.clear();
@@ -73,7 +78,8 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items) {
     return static_cast<int>(driver.recipeItems.size());
 }
 
-void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &request, int withValues) {
+void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &request, int withValues)
+{
     request.station = block.station;
     request.regName = block.regName;
     request.address = block.address;

@@ -28,18 +28,21 @@ const int BITS_PER_WORD = 16;
 const int UPLOAD_INSTANCE = 0;
 const int UPLOAD_STATION = -1;
 
-quint8 byteAt(const QByteArray &reply, qint64 position) {
+quint8 byteAt(const QByteArray &reply, qint64 position)
+{
     return position >= 0 && position < reply.size() ? static_cast<quint8>(reply.at(static_cast<int>(position))) : 0;
 }
 
-QString addressInWords(const VARIABLE &request) {
+QString addressInWords(const VARIABLE &request)
+{
     if (!request.regName.endsWith(QString::fromLatin1("_bit")))
         return request.regName + QString::number(request.address);
     return request.regName + QString::number(request.address / BITS_PER_WORD) + QLatin1Char('.') +
            QString::number(request.address % BITS_PER_WORD);
 }
 
-void storeBit(const VARIABLE &request, int unit, quint8 bit) {
+void storeBit(const VARIABLE &request, int unit, quint8 bit)
+{
     int index = 0;
     {
         const QMutexLocker lock(&driver.dataAreaMutex);
@@ -53,14 +56,16 @@ void storeBit(const VARIABLE &request, int unit, quint8 bit) {
     _bitDataChange(index);
 }
 
-bool isWriteQueueEmpty() {
+bool isWriteQueueEmpty()
+{
     const QMutexLocker lock(&driver.mutex);
     return driver.writeQueue.isEmpty();
 }
 
 /// Stores a unit of `shape.bytesPerUnit` bytes. While writes of single bits of it are outstanding, it goes on showing
 /// what was written.
-void storeUnit(const ValueShape &shape, int station, int unit, const quint8 *bytes) {
+void storeUnit(const ValueShape &shape, int station, int unit, const quint8 *bytes)
+{
     const bool noWritesQueued = isWriteQueueEmpty();
     int index = 0;
     int before = 0;
@@ -79,14 +84,16 @@ void storeUnit(const ValueShape &shape, int station, int unit, const quint8 *byt
     unitDataChange(shape, &before, &after, index);
 }
 
-void storeBits(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request) {
+void storeBits(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request)
+{
     for (int i = 0; i < unitCount; ++i) {
         const quint8 byte = byteAt(reply, static_cast<qint64>(dataOffset) + i / 8);
         storeBit(request, wrappingSum(request.address, i), byte >> (i % 8) & 1U);
     }
 }
 
-void storeUnits(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request, int unitWidth) {
+void storeUnits(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request, int unitWidth)
+{
     // A unit is stored whole, be the kind one of whole units or of bits inside them.
     const ValueShape shape = valueShape(unitWidth, unitWidth, nameOfWords(request.regName));
     for (int i = 0; i < unitCount; ++i) {
@@ -98,17 +105,20 @@ void storeUnits(const QByteArray &reply, int unitCount, int dataOffset, const VA
     }
 }
 
-void reportUploadedWord(int bufferWord) {
+void reportUploadedWord(int bufferWord)
+{
     callHost(UPLOAD_INSTANCE, UPLOAD_STATION, QString::fromLatin1("RWI"), bufferWord);
 }
 
-void fillBufferWord(int bufferWord, const QByteArray &reply, qint64 position) {
+void fillBufferWord(int bufferWord, const QByteArray &reply, qint64 position)
+{
     driver.recipeBuffer[bufferWord] =
         static_cast<quint16>(uchar2int16(byteAt(reply, position), byteAt(reply, position + 1)));
 }
 
 /// Of an item of 16-bit words, those that the block carries: all, unless the item is longer than a block.
-void uploadWords(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArray &reply, int dataOffset) {
+void uploadWords(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArray &reply, int dataOffset)
+{
     const qint64 firstUnit = std::max(item.address, block.address);
     const qint64 itemEnd = static_cast<qint64>(item.address) + item.count;
     const qint64 blockEnd = static_cast<qint64>(block.address) + block.count;
@@ -122,7 +132,8 @@ void uploadWords(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArr
 }
 
 /// An item of 32-bit units stands for one value, its first.
-void uploadDoubleWord(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArray &reply, int dataOffset) {
+void uploadDoubleWord(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArray &reply, int dataOffset)
+{
     const qint64 unit = static_cast<qint64>(item.address) - block.address;
     const int highWord = wrappingSum(item.bufferOffset, 1);
     if (unit < 0 || unit >= block.count || item.bufferOffset < 0 || highWord < 0)
@@ -134,7 +145,8 @@ void uploadDoubleWord(const _RCP_VAR_PRO &item, const VARIABLE &block, const QBy
 }
 
 /// Whether the plan's current block is still the one that was asked for: the host may have handed over a new plan.
-bool isPlannedBlock(const VARIABLE &request) {
+bool isPlannedBlock(const VARIABLE &request)
+{
     if (driver.recipeIndex < 0 || driver.recipeIndex >= driver.recipeBlocks.size() ||
         driver.recipeIndex >= driver.recipeBlockFirstItem.size())
         return false;
@@ -145,14 +157,16 @@ bool isPlannedBlock(const VARIABLE &request) {
 
 /// Index behind the last item of the current block. A piece of a long item that another piece follows holds that item
 /// alone.
-int endOfBlockItems(int firstItem) {
+int endOfBlockItems(int firstItem)
+{
     if (driver.recipeIndex + 1 >= driver.recipeBlockFirstItem.size())
         return static_cast<int>(driver.recipeItems.size());
     const int nextFirstItem = driver.recipeBlockFirstItem.at(driver.recipeIndex + 1);
     return std::min(std::max(nextFirstItem, firstItem + 1), static_cast<int>(driver.recipeItems.size()));
 }
 
-void fillRecipeBuffer(const QByteArray &reply, int dataOffset, const VARIABLE &block, int unitWidth) {
+void fillRecipeBuffer(const QByteArray &reply, int dataOffset, const VARIABLE &block, int unitWidth)
+{
     if (!driver.recipeBuffer || !isPlannedBlock(block))
         return;
     const int firstItem = driver.recipeBlockFirstItem.at(driver.recipeIndex);
@@ -168,7 +182,8 @@ void fillRecipeBuffer(const QByteArray &reply, int dataOffset, const VARIABLE &b
 
 } // namespace
 
-QString getErrorInfo(const QByteArray &reply) {
+QString getErrorInfo(const QByteArray &reply)
+{
     if (driver.frameQueue.isEmpty())
         return QString();
     const VARIABLE &request = driver.frameQueue.at(0).variable;
@@ -180,7 +195,8 @@ QString getErrorInfo(const QByteArray &reply) {
     return text;
 }
 
-void analyzeFrameOfVal(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request) {
+void analyzeFrameOfVal(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request)
+{
     const int kind = getIndexFromRegName(request.regName);
     if (kind < 0)
         return;
@@ -192,7 +208,8 @@ void analyzeFrameOfVal(const QByteArray &reply, int unitCount, int dataOffset, c
         fillRecipeBuffer(reply, dataOffset, request, unitWidth);
 }
 
-int dealReadFrameReturnSaveData(const QByteArray &reply) {
+int dealReadFrameReturnSaveData(const QByteArray &reply)
+{
     if (driver.frameQueue.isEmpty())
         return 0;
     const FRAME_PRO frame = driver.frameQueue.at(0);

@@ -36,14 +36,16 @@ const int NOTIFICATION_STATION = -1;
 const int CONDITION_READ_DONE = 0;
 const int CONDITION_READ_GIVEN_UP = -1;
 
-void buildReadFrame() {
+void buildReadFrame()
+{
     driver.currentReadList.clear();
     driver.currentReadList.append(driver.currentVariable);
     getReadFrame(driver.currentReadList);
 }
 
 /// The transfer that the host asks for, as the kind of its transactions; TransactionIdle: none.
-TransactionKind requestedTransfer() {
+TransactionKind requestedTransfer()
+{
     if (!driver.hostControlBlock || !driver.hostMutex)
         return TransactionIdle;
     const QMutexLocker lock(driver.hostMutex);
@@ -52,7 +54,8 @@ TransactionKind requestedTransfer() {
     return driver.hostControlBlock[UPLOAD_REQUEST_BYTE] == TRANSFER_REQUESTED ? TransactionRecipeRead : TransactionIdle;
 }
 
-void endTransfer(int kind) {
+void endTransfer(int kind)
+{
     driver.recipeIndex = 0;
     if (!driver.hostControlBlock || !driver.hostMutex)
         return;
@@ -62,7 +65,8 @@ void endTransfer(int kind) {
 }
 
 /// @return false when no recipe block is to be transferred.
-bool beginRecipeBlock() {
+bool beginRecipeBlock()
+{
     const TransactionKind kind = requestedTransfer();
     if (kind == TransactionIdle)
         return false;
@@ -82,7 +86,8 @@ bool beginRecipeBlock() {
     return true;
 }
 
-bool beginWrite() {
+bool beginWrite()
+{
     {
         const QMutexLocker lock(&driver.mutex);
         if (driver.writeQueue.isEmpty() || driver.burstCount >= LONGEST_WRITE_BURST || driver.writesBeingMirrored > 0)
@@ -95,7 +100,8 @@ bool beginWrite() {
     return true;
 }
 
-bool beginConditionRead() {
+bool beginConditionRead()
+{
     if (driver.conditionReads.isEmpty() || driver.burstCount >= LONGEST_CONDITION_READ_BURST)
         return false;
     driver.currentVariable = driver.conditionReads.at(0);
@@ -105,7 +111,8 @@ bool beginConditionRead() {
     return true;
 }
 
-bool beginBlockRead() {
+bool beginBlockRead()
+{
     driver.burstCount = 0;
     if (driver.readBlocks.isEmpty()) {
         driver.transactionKind = TransactionIdle;
@@ -118,12 +125,14 @@ bool beginBlockRead() {
     return true;
 }
 
-void settleWrite(const VARIABLE &request, int result) {
+void settleWrite(const VARIABLE &request, int result)
+{
     if (driver.transactionKind == TransactionWrite)
         _write_FailOrSuc(request.station, request.regName, request.address, request.count, result);
 }
 
-void giveUp(const VARIABLE &request) {
+void giveUp(const VARIABLE &request)
+{
     driver.lastTransactionFailed = 1;
     settleWrite(request, WRITE_GIVEN_UP);
     driver.frameQueue.clear();
@@ -133,7 +142,8 @@ void giveUp(const VARIABLE &request) {
 
 /// Chooses the next transaction and builds its frame.
 /// @return whether there is a frame. A request that no frame can be built for is given up; a poll block stays.
-bool beginTransaction() {
+bool beginTransaction()
+{
     if (!beginRecipeBlock() && !beginWrite() && !beginConditionRead() && !beginBlockRead())
         return false;
     if (!driver.frameQueue.isEmpty())
@@ -145,7 +155,8 @@ bool beginTransaction() {
     return false;
 }
 
-void finishFrame() {
+void finishFrame()
+{
     driver.lastTransactionFailed = 0;
     driver.frameQueue.removeFirst();
     if (driver.frameQueue.isEmpty())
@@ -153,7 +164,8 @@ void finishFrame() {
     driver.retryCount = 0;
 }
 
-ReplyResult refuseReply(const VARIABLE &request) {
+ReplyResult refuseReply(const VARIABLE &request)
+{
     ++driver.retryCount;
     if (driver.retryCount < driver.retryLimit)
         return ReplyRetry;
@@ -161,13 +173,15 @@ ReplyResult refuseReply(const VARIABLE &request) {
     return ReplyGivenUp;
 }
 
-void finishWrite() {
+void finishWrite()
+{
     const QMutexLocker lock(&driver.mutex);
     if (!driver.writeQueue.isEmpty())
         driver.writeQueue.removeFirst();
 }
 
-void finishConditionRead() {
+void finishConditionRead()
+{
     const bool failed = driver.lastTransactionFailed == 1;
     if (!driver.conditionReads.isEmpty() && isSameRequest(driver.conditionReads.at(0), driver.lastConditionRead))
         callHost(NOTIFICATION_INSTANCE, NOTIFICATION_STATION, QString::fromLatin1("-1"),
@@ -178,12 +192,14 @@ void finishConditionRead() {
         driver.conditionReads.removeFirst();
 }
 
-void rotateReadBlocks() {
+void rotateReadBlocks()
+{
     if (driver.readBlocks.size() >= 2)
         driver.readBlocks.move(0, static_cast<int>(driver.readBlocks.size()) - 1);
 }
 
-void finishRecipeBlock() {
+void finishRecipeBlock()
+{
     if (driver.lastTransactionFailed == 0 && ++driver.recipeIndex < driver.recipeBlocks.size())
         return;
     endTransfer(driver.transactionKind);
@@ -191,7 +207,8 @@ void finishRecipeBlock() {
 
 } // namespace
 
-void dealListWhenFinish() {
+void dealListWhenFinish()
+{
     switch (driver.transactionKind) {
     case TransactionWrite:
         return finishWrite();
@@ -207,14 +224,16 @@ void dealListWhenFinish() {
     }
 }
 
-int intf_getSendFrame(FRAME_PRO *hostFrame) {
+int intf_getSendFrame(FRAME_PRO *hostFrame)
+{
     if (!hostFrame || (driver.frameQueue.isEmpty() && !beginTransaction()))
         return 0;
     *hostFrame = driver.frameQueue.at(0);
     return 1;
 }
 
-int intf_dealRcvFrame(QByteArray &reply, QString &description) {
+int intf_dealRcvFrame(QByteArray &reply, QString &description)
+{
     description.clear();
     if (driver.frameQueue.isEmpty())
         return ReplyToNothing;
