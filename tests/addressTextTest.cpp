@@ -20,7 +20,8 @@ struct CheckRow {
     int number;
 };
 
-TEST(AddressText, isCheckedForAccessFormAndRange) {
+TEST(AddressText, isCheckedForAccessFormAndRange)
+{
     const CheckRow rows[] = {
         {"D", "8999", 1, 1, 0, 8999},
         {"D", "8999", 2, 1, 2, 8999},
@@ -68,7 +69,8 @@ TEST(AddressText, isCheckedForAccessFormAndRange) {
     }
 }
 
-TEST(AddressText, isCheckedForTheHostsDataType) {
+TEST(AddressText, isCheckedForTheHostsDataType)
+{
     const CheckRow rows[] = {
         {"32C", "200", 2, 2, 5, UNTOUCHED},
         {"32C", "x", 2, 2, 5, UNTOUCHED},
@@ -98,7 +100,8 @@ TEST(AddressText, isCheckedForTheHostsDataType) {
     }
 }
 
-TEST(AddressText, formatDecidesTheBase) {
+TEST(AddressText, formatDecidesTheBase)
+{
     const struct {
         const char *text;
         const char *format;
@@ -117,14 +120,16 @@ TEST(AddressText, formatDecidesTheBase) {
     EXPECT_EQ(plain(addr_int2str(16, qt("D"))), "");
 }
 
-TEST(RegisterNames, areFoundExactly) {
+TEST(RegisterNames, areFoundExactly)
+{
     for (int kind = 0; kind < REG_LIST.size(); ++kind)
         EXPECT_EQ(getIndexFromRegName(REG_LIST.at(kind)), kind);
     for (const char *name : {"d", "", "D_", "C_contact", " D"})
         EXPECT_EQ(getIndexFromRegName(qt(name)), -1) << name;
 }
 
-RC_GTEST_PROP(AddressText, ofEveryKindComesBackAsItsNumber, ()) {
+RC_GTEST_PROP(AddressText, ofEveryKindComesBackAsItsNumber, ())
+{
     const int kind = *rc::gen::inRange(0, static_cast<int>(REG_LIST.size()));
     const QString name = REG_LIST.at(kind);
     const ADDRESS_RANGE &row = ADDRESS_RANGE_PRO.at(kind);

@@ -44,7 +44,8 @@ public:
     Library(const Library &) = delete;
     Library &operator=(const Library &) = delete;
 
-    template <typename Function> Function *call(const char *name) const {
+    template <typename Function> Function *call(const char *name) const
+    {
         return reinterpret_cast<Function *>(dlsym(m_handle, name));
     }
 
@@ -54,14 +55,16 @@ private:
 
 #define CALL(library, name) (library).call<decltype(name)>(#name)
 
-bool isLoaded() {
+bool isLoaded()
+{
     void *handle = dlopen(TANEK_VS_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
     if (handle)
         dlclose(handle);
     return handle != nullptr;
 }
 
-std::string outputOf(const std::string &command) {
+std::string outputOf(const std::string &command)
+{
     const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), pclose);
     std::string output;
     char buffer[256];
@@ -70,7 +73,8 @@ std::string outputOf(const std::string &command) {
     return output;
 }
 
-TEST(Boundary, exportsNineteenNamesAndNothingElse) {
+TEST(Boundary, exportsNineteenNamesAndNothingElse)
+{
     std::istringstream symbols(outputOf(NM_COMMAND " -D --defined-only " TANEK_VS_LIBRARY));
     std::set<std::string> exported;
     std::string address, type, name;
@@ -79,7 +83,8 @@ TEST(Boundary, exportsNineteenNamesAndNothingElse) {
     EXPECT_EQ(exported, (std::set<std::string>(std::begin(EXPORTED_NAMES), std::end(EXPORTED_NAMES))));
 }
 
-TEST(Boundary, loadsUnloadsAndStartsAfresh) {
+TEST(Boundary, loadsUnloadsAndStartsAfresh)
+{
     for (int i = 0; i < 3; ++i) {
         {
             const Library library;
@@ -104,7 +109,8 @@ TEST(Boundary, loadsUnloadsAndStartsAfresh) {
 
 std::vector<std::string> reported;
 
-int noteReport(int instance, int station, QString &regName, int address) {
+int noteReport(int instance, int station, QString &regName, int address)
+{
     std::ostringstream report;
     report << instance << " " << station << " " << regName.toStdString() << " " << address;
     reported.push_back(report.str());
@@ -114,7 +120,8 @@ int noteReport(int instance, int station, QString &regName, int address) {
 /// A host's objects around the loaded library, and its side of the link.
 class Session : public ::testing::Test {
 protected:
-    void SetUp() override {
+    void SetUp() override
+    {
         reported.clear();
         CALL(library, intf_setAddrValueChangeCallBack)(&noteReport);
         int result = -1;
@@ -123,7 +130,8 @@ protected:
         EXPECT_EQ(result, 0);
     }
 
-    static KEY_ADDRESS key(const char *regName, int address, int count) {
+    static KEY_ADDRESS key(const char *regName, int address, int count)
+    {
         KEY_ADDRESS wanted;
         wanted.station = 1;
         wanted.regName = QString::fromLatin1(regName);
@@ -133,7 +141,8 @@ protected:
     }
 
     /// The body of the next request, answered by that reply.
-    std::string exchanges(const Bytes &answer, int result = 1) {
+    std::string exchanges(const Bytes &answer, int result = 1)
+    {
         FRAME_PRO frame;
         if (CALL(library, intf_getSendFrame)(&frame) != 1)
             return "nothing";
@@ -142,7 +151,8 @@ protected:
         return hexText(Bytes(frame.frame + 2, frame.frame + frame.frameLength - 4));
     }
 
-    int word(int address) {
+    int word(int address)
+    {
         quint8 value[2] = {};
         CALL(library, intf_getData)(1, QString::fromLatin1("D"), address, 1, value);
         return value[0] + 256 * value[1];
@@ -159,7 +169,8 @@ protected:
 
 using Reports = std::vector<std::string>;
 
-TEST_F(Session, runsFromThePollListToARecipe) {
+TEST_F(Session, runsFromThePollListToARecipe)
+{
     QList<KEY_ADDRESS> keys;
     keys << key("D", 100, 2) << key("M", 0, 3);
     EXPECT_EQ(CALL(library, intf_addrMerge)(&keys), 2);
@@ -207,7 +218,8 @@ TEST_F(Session, runsFromThePollListToARecipe) {
     EXPECT_EQ(reports(), (Reports{"0 -1 RWI 0", "0 -1 RWI 1"}));
 }
 
-TEST_F(Session, servesTheHostsEditor) {
+TEST_F(Session, servesTheHostsEditor)
+{
     int number = -1;
     EXPECT_EQ(CALL(library, intf_checkAddrValidity)(QString::fromLatin1("X"), QString::fromLatin1("17"), &number, 1, 0),
               0);

@@ -6,7 +6,8 @@ namespace {
 
 using CacheReadsTest = DriverTest;
 
-TEST_F(CacheReadsTest, valuesComeInTheLayoutOfTheirShape) {
+TEST_F(CacheReadsTest, valuesComeInTheLayoutOfTheirShape)
+{
     // Unit u was read as the bytes u+0x10, u+0x20, u+0x30, u+0x40; unit 11 is shown as written, all ones.
     const struct {
         const char *what;
@@ -42,7 +43,8 @@ TEST_F(CacheReadsTest, valuesComeInTheLayoutOfTheirShape) {
     }
 }
 
-TEST_F(CacheReadsTest, unitsNeverReadAreZerosAndFromThenOnCached) {
+TEST_F(CacheReadsTest, unitsNeverReadAreZerosAndFromThenOnCached)
+{
     EXPECT_EQ(reads("D_bit", 1615, 2), (Bytes{0, 0}));
     EXPECT_EQ(driver.dataAreas.size(), 2);
     unit("D", 100).readValue[1] = 0x80;
@@ -54,7 +56,8 @@ TEST_F(CacheReadsTest, unitsNeverReadAreZerosAndFromThenOnCached) {
     EXPECT_EQ(reports(), Reports{});
 }
 
-TEST(HexText, isReadAsAByteWithMissingDigitsAsZero) {
+TEST(HexText, isReadAsAByteWithMissingDigitsAsZero)
+{
     const struct {
         const char *text;
         int position, value;

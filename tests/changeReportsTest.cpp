@@ -8,7 +8,8 @@ using ChangeReportsTest = DriverTest;
 
 enum class Width { bit, byte, word, dword };
 
-TEST_F(ChangeReportsTest, followTheFlagsOfTheUnit) {
+TEST_F(ChangeReportsTest, followTheFlagsOfTheUnit)
+{
     const int null = -2;
     const struct {
         const char *what;
@@ -81,7 +82,8 @@ TEST_F(ChangeReportsTest, followTheFlagsOfTheUnit) {
     }
 }
 
-TEST_F(ChangeReportsTest, areSkippedWithoutCallbackOrUnit) {
+TEST_F(ChangeReportsTest, areSkippedWithoutCallbackOrUnit)
+{
     unit("D", 1).monitorFlags = 1;
     _wordDataChange(nullptr, nullptr, 1, 0);
     _bitDataChange(-1);
@@ -90,7 +92,8 @@ TEST_F(ChangeReportsTest, areSkippedWithoutCallbackOrUnit) {
     EXPECT_EQ(reports(), Reports{});
 }
 
-TEST_F(ChangeReportsTest, aHostMayKeepTheNameForItself) {
+TEST_F(ChangeReportsTest, aHostMayKeepTheNameForItself)
+{
     intf_setAddrValueChangeCallBack([](int, int, QString &name, int) {
         EXPECT_EQ(plain(name), "D");
         name = qt("changed by the host");
@@ -103,7 +106,8 @@ TEST_F(ChangeReportsTest, aHostMayKeepTheNameForItself) {
     EXPECT_EQ(plain(area.regName), "D");
 }
 
-TEST(ByteAssembly, isLeastSignificantFirst) {
+TEST(ByteAssembly, isLeastSignificantFirst)
+{
     EXPECT_EQ(uchar2int16(2, 1), 258);
     EXPECT_EQ(uchar2int16(255, 255), 65535);
     EXPECT_EQ(uchar2int32(0, 0, 0, 1), 1 << 24);

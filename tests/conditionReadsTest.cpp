@@ -4,14 +4,16 @@ namespace {
 
 class ConditionReadsTest : public DriverTest {
 protected:
-    static KEY_ADDRESS inBits(KEY_ADDRESS wanted) {
+    static KEY_ADDRESS inBits(KEY_ADDRESS wanted)
+    {
         wanted.unitCode = -1;
         return wanted;
     }
     std::vector<std::string> queue() const { return texts(driver.conditionReads); }
 };
 
-TEST_F(ConditionReadsTest, areCutAndConvertedToDeviceUnits) {
+TEST_F(ConditionReadsTest, areCutAndConvertedToDeviceUnits)
+{
     const struct {
         KEY_ADDRESS wanted;
         int mergeGap;
@@ -40,7 +42,8 @@ TEST_F(ConditionReadsTest, areCutAndConvertedToDeviceUnits) {
     }
 }
 
-TEST_F(ConditionReadsTest, replaceAWaitingOneButNeverTheHead) {
+TEST_F(ConditionReadsTest, replaceAWaitingOneButNeverTheHead)
+{
     asksForCondition(key("D", 0, 1));
     asksForCondition(key("D", 0, 1));
     asksForCondition(key("D", 5, 1));
@@ -53,7 +56,8 @@ TEST_F(ConditionReadsTest, replaceAWaitingOneButNeverTheHead) {
     EXPECT_EQ(queue()[512], "R 519 1 @1");
 }
 
-TEST_F(ConditionReadsTest, theOneQueuedLastNotifiesWhenItHasBeenRead) {
+TEST_F(ConditionReadsTest, theOneQueuedLastNotifiesWhenItHasBeenRead)
+{
     configures(3, 4);
     polls({key("D", 0, 3)});
     asksForCondition(key("D", 0, 10));
@@ -77,7 +81,8 @@ TEST_F(ConditionReadsTest, theOneQueuedLastNotifiesWhenItHasBeenRead) {
     EXPECT_EQ(reports(), Reports{"-1 0 @-1 of -1"});
 }
 
-TEST_F(ConditionReadsTest, oneGivenUpTakesTheOthersWithIt) {
+TEST_F(ConditionReadsTest, oneGivenUpTakesTheOthersWithIt)
+{
     configures(1, 16);
     asksForCondition(key("D", 0, 1));
     asksForCondition(key("D", 1, 1));
@@ -89,7 +94,8 @@ TEST_F(ConditionReadsTest, oneGivenUpTakesTheOthersWithIt) {
     EXPECT_EQ(reports(), Reports{"-1 -1 @-1 of -1"});
 }
 
-TEST_F(ConditionReadsTest, oneThatCannotBeSentIsGivenUpAtOnce) {
+TEST_F(ConditionReadsTest, oneThatCannotBeSentIsGivenUpAtOnce)
+{
     asksForCondition(key("D", 0, 1, 255));
     polls({key("D", 3, 1)});
     EXPECT_EQ(sends(), "nothing");

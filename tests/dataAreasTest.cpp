@@ -6,12 +6,14 @@ namespace {
 
 class DataAreasTest : public DriverTest {
 protected:
-    static int indexOf(const char *keyName, int address, int station = 1) {
+    static int indexOf(const char *keyName, int address, int station = 1)
+    {
         return getIndexOfDataArea(station, qt(keyName), address, driver.dataAreas);
     }
 
     /// All flagged units as "D 100 flags 1 bits 0", in the order of the cache.
-    static std::vector<std::string> flagged() {
+    static std::vector<std::string> flagged()
+    {
         std::vector<std::string> units;
         for (int i = 0; i < driver.dataAreas.size(); ++i) {
             const _DATA_ &area = driver.dataAreas.at(i);
@@ -22,7 +24,8 @@ protected:
     }
 };
 
-TEST_F(DataAreasTest, areFoundByStationNameAndAddress) {
+TEST_F(DataAreasTest, areFoundByStationNameAndAddress)
+{
     EXPECT_EQ(indexOf("D", 100), 0);
     EXPECT_EQ(indexOf("D", 100, 2), 1);
     EXPECT_EQ(indexOf("d", 100), 2);
@@ -34,7 +37,8 @@ TEST_F(DataAreasTest, areFoundByStationNameAndAddress) {
     EXPECT_EQ(area.readValue[0] + area.readValue[3] + area.writeValue[0] + area.writeValue[3], 0);
 }
 
-TEST_F(DataAreasTest, areFoundWhenTheListWasChangedBehindTheIndex) {
+TEST_F(DataAreasTest, areFoundWhenTheListWasChangedBehindTheIndex)
+{
     for (int i = 0; i < 5; ++i)
         indexOf("D", i);
     driver.dataAreas.removeFirst();
@@ -53,7 +57,8 @@ TEST_F(DataAreasTest, areFoundWhenTheListWasChangedBehindTheIndex) {
     EXPECT_EQ(indexOf("D", 7), 2);
 }
 
-TEST_F(DataAreasTest, bitsAreSetAndClearedByPosition) {
+TEST_F(DataAreasTest, bitsAreSetAndClearedByPosition)
+{
     EXPECT_EQ(_setBitValue(5, 1, 1), 7);
     EXPECT_EQ(_setBitValue(7, 0, 0), 6);
     EXPECT_EQ(_setBitValue(0, 31, -1), static_cast<int>(0x80000000U));
@@ -62,7 +67,8 @@ TEST_F(DataAreasTest, bitsAreSetAndClearedByPosition) {
     EXPECT_EQ(_setBitValue(1, -1, 1), 1);
 }
 
-TEST_F(DataAreasTest, flagsFollowTheShapeOfTheValue) {
+TEST_F(DataAreasTest, flagsFollowTheShapeOfTheValue)
+{
     const struct {
         const char *what;
         int valueWidth, unitWidth;
@@ -104,7 +110,8 @@ TEST_F(DataAreasTest, flagsFollowTheShapeOfTheValue) {
     }
 }
 
-TEST_F(DataAreasTest, everyKindIsFlaggedUnderItsKeyName) {
+TEST_F(DataAreasTest, everyKindIsFlaggedUnderItsKeyName)
+{
     const struct {
         const char *name;
         const char *firstUnit;
@@ -135,7 +142,8 @@ TEST_F(DataAreasTest, everyKindIsFlaggedUnderItsKeyName) {
     }
 }
 
-TEST_F(DataAreasTest, nothingSenselessIsFlaggedServedOrCreated) {
+TEST_F(DataAreasTest, nothingSenselessIsFlaggedServedOrCreated)
+{
     const struct {
         const char *name;
         int address, count;

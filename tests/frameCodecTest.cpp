@@ -8,12 +8,14 @@
 
 namespace {
 
-std::string checksum(const Bytes &bytes) {
+std::string checksum(const Bytes &bytes)
+{
     const quint16 check = computate_check(bytes.data(), static_cast<quint16>(bytes.size()));
     return {static_cast<char>(check & 0xff), static_cast<char>(check >> 8)};
 }
 
-TEST(FrameCodec, checksumIsTheSumInTwoDigits) {
+TEST(FrameCodec, checksumIsTheSumInTwoDigits)
+{
     EXPECT_EQ(checksum({}), "00");
     EXPECT_EQ(checksum(hex("01 07 00 20 A0 00 01 00 0A 00")), "D3");
     EXPECT_EQ(checksum(hex("9f")), "9F");
@@ -21,7 +23,8 @@ TEST(FrameCodec, checksumIsTheSumInTwoDigits) {
     EXPECT_EQ(checksum(Bytes(65535, 1)), "FF");
 }
 
-TEST(FrameCodec, undoublesTheBodyAlone) {
+TEST(FrameCodec, undoublesTheBodyAlone)
+{
     const struct {
         const char *what;
         const char *wire;
@@ -43,7 +46,8 @@ TEST(FrameCodec, undoublesTheBodyAlone) {
     }
 }
 
-TEST(FrameCodec, refusesAFrameThatDoublingMakesTooLong) {
+TEST(FrameCodec, refusesAFrameThatDoublingMakesTooLong)
+{
     Bytes frame(RECORD_BUFFER_SIZE, 0);
     int length = 1000;
     std::fill_n(frame.begin() + 100, 24, static_cast<unsigned char>(0x10));
@@ -59,7 +63,8 @@ TEST(FrameCodec, refusesAFrameThatDoublingMakesTooLong) {
     EXPECT_EQ(tooLong, unchanged);
 }
 
-rc::Gen<Bytes> bodies() {
+rc::Gen<Bytes> bodies()
+{
     // Many DLE and ETX, or their runs would hardly ever meet.
     const auto byte =
         rc::gen::oneOf(rc::gen::element<unsigned char>(0x10, 0x03, 0x02), rc::gen::arbitrary<unsigned char>());
@@ -67,7 +72,8 @@ rc::Gen<Bytes> bodies() {
                              [](const Bytes &body) { return !body.empty() && body.size() < 400; });
 }
 
-RC_GTEST_PROP(FrameCodec, doublingAndUndoublingAreInverse, ()) {
+RC_GTEST_PROP(FrameCodec, doublingAndUndoublingAreInverse, ())
+{
     const Bytes plainFrame = envelope(*bodies());
     Bytes buffer = plainFrame;
     buffer.resize(RECORD_BUFFER_SIZE);
@@ -80,7 +86,8 @@ RC_GTEST_PROP(FrameCodec, doublingAndUndoublingAreInverse, ()) {
     RC_ASSERT(bytesOf(array) == plainFrame);
 }
 
-RC_GTEST_PROP(FrameCodec, undoublingOfAnythingShortensItInsideTheBodyAtMost, (const Bytes &anything)) {
+RC_GTEST_PROP(FrameCodec, undoublingOfAnythingShortensItInsideTheBodyAtMost, (const Bytes &anything))
+{
     QByteArray array = arrayOf(anything);
     dealFrameRead_0x10(array);
     const Bytes result = bytesOf(array);

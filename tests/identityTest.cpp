@@ -4,7 +4,8 @@ namespace {
 
 using IdentityTest = DriverTest;
 
-TEST_F(IdentityTest, tellsWhoTheDriverIs) {
+TEST_F(IdentityTest, tellsWhoTheDriverIs)
+{
     int type = -1;
     intf_getProtocolType(&type);
     EXPECT_EQ(type, 0);
@@ -21,7 +22,8 @@ TEST_F(IdentityTest, tellsWhoTheDriverIs) {
     EXPECT_EQ(plain(driver.propertyPageText), "anything");
 }
 
-TEST_F(IdentityTest, takesFiveNumbersFromThePropertyText) {
+TEST_F(IdentityTest, takesFiveNumbersFromThePropertyText)
+{
     const struct {
         const char *property;
         std::vector<int> settings; // instance, cache only, retries, gap, words, bits
@@ -49,7 +51,8 @@ TEST_F(IdentityTest, takesFiveNumbersFromThePropertyText) {
     }
 }
 
-TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest) {
+TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest)
+{
     plansRecipe({recipeItem("D", 1, 1, 0), recipeItem("D", 3, 1, 1)});
     polls({key("D", 0, 10)});
     asksForCondition(key("D", 50, 1));
@@ -75,7 +78,8 @@ TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest) {
     EXPECT_EQ(word(0), 0);
 }
 
-TEST_F(IdentityTest, worksWithoutTheHostsObjectsAndCallback) {
+TEST_F(IdentityTest, worksWithoutTheHostsObjectsAndCallback)
+{
     intf_setAddrValueChangeCallBack(nullptr);
     intf_initProperty(nullptr, nullptr, nullptr, nullptr, "3#0#0#1#16", nullptr);
     plansRecipe({recipeItem("D", 0, 1, 0)});
@@ -84,7 +88,8 @@ TEST_F(IdentityTest, worksWithoutTheHostsObjectsAndCallback) {
     EXPECT_EQ(word(0), 7);
 }
 
-TEST_F(IdentityTest, nullArgumentsChangeNothing) {
+TEST_F(IdentityTest, nullArgumentsChangeNothing)
+{
     intf_getProtocolType(nullptr);
     EXPECT_EQ(intf_checkAddr(qt("D"), qt("1"), nullptr, 0, 1, 0), 0);
     EXPECT_EQ(intf_checkAddrValidity(qt("D"), qt("1"), nullptr, 1, 1), 0);

@@ -10,15 +10,18 @@ struct Copies {
     int result;
 };
 
-bool operator==(const Copies &left, const Copies &right) {
+bool operator==(const Copies &left, const Copies &right)
+{
     return left.texts == right.texts && left.numbers == right.numbers && left.result == right.result;
 }
 
-std::ostream &operator<<(std::ostream &out, const Copies &copies) {
+std::ostream &operator<<(std::ostream &out, const Copies &copies)
+{
     return out << ::testing::PrintToString(copies.texts) << ::testing::PrintToString(copies.numbers) << copies.result;
 }
 
-Copies copiesOf(const QVector<QString> &texts, const QVector<int> &numbers, int result) {
+Copies copiesOf(const QVector<QString> &texts, const QVector<int> &numbers, int result)
+{
     Copies copies = {{}, {}, result};
     for (int i = 0; i < texts.size(); ++i) {
         copies.texts.push_back(plain(texts.at(i)));
@@ -28,7 +31,8 @@ Copies copiesOf(const QVector<QString> &texts, const QVector<int> &numbers, int 
     return copies;
 }
 
-TEST(MultiCopy, generatesAddressesInTheKindsOwnForm) {
+TEST(MultiCopy, generatesAddressesInTheKindsOwnForm)
+{
     const int lowest = -2147483647 - 1;
     const struct {
         const char *regName;
@@ -71,7 +75,8 @@ TEST(MultiCopy, generatesAddressesInTheKindsOwnForm) {
     }
 }
 
-TEST(MultiCopy, followsTheFormat) {
+TEST(MultiCopy, followsTheFormat)
+{
     const struct {
         const char *regName, *format;
         Copies copies;

@@ -11,7 +11,8 @@ namespace {
 
 class PollPlanTest : public DriverTest {
 protected:
-    std::vector<std::string> plan(int mergeGap, const std::vector<KEY_ADDRESS> &keys) {
+    std::vector<std::string> plan(int mergeGap, const std::vector<KEY_ADDRESS> &keys)
+    {
         configures(3, mergeGap);
         const int number = polls(keys);
         EXPECT_EQ(number, driver.readBlocks.size());
@@ -19,7 +20,8 @@ protected:
     }
 };
 
-TEST_F(PollPlanTest, joinsWhatOneRequestCanRead) {
+TEST_F(PollPlanTest, joinsWhatOneRequestCanRead)
+{
     const struct {
         const char *what;
         int mergeGap;
@@ -78,14 +80,16 @@ TEST_F(PollPlanTest, joinsWhatOneRequestCanRead) {
         EXPECT_EQ(plan(row.mergeGap, row.keys), row.blocks) << row.what;
 }
 
-TEST_F(PollPlanTest, blocksCarryTheMarkOfThePollList) {
+TEST_F(PollPlanTest, blocksCarryTheMarkOfThePollList)
+{
     KEY_ADDRESS wanted = key("D", 0, 1);
     wanted.data[0] = 9;
     polls({wanted});
     EXPECT_EQ(driver.readBlocks.at(0).hostContext, 4U);
 }
 
-TEST_F(PollPlanTest, leavesTheHostsListAndOldEntriesAlone) {
+TEST_F(PollPlanTest, leavesTheHostsListAndOldEntriesAlone)
+{
     QList<KEY_ADDRESS> list;
     list << key("D_bit", 1605, 3) << key("32C", 200, 4);
     intf_addrMerge(&list);
@@ -98,7 +102,8 @@ TEST_F(PollPlanTest, leavesTheHostsListAndOldEntriesAlone) {
     EXPECT_EQ(unit("D", 7).monitorFlags, 1U);
 }
 
-TEST_F(PollPlanTest, mergingKeepsTheFieldsOfTheFirstKeyAndTheOrderOfEqualOnes) {
+TEST_F(PollPlanTest, mergingKeepsTheFieldsOfTheFirstKeyAndTheOrderOfEqualOnes)
+{
     KEY_ADDRESS first = key("D", 4, 1);
     first.hostLabel = qt("label");
     first.hostNote = qt("note");
@@ -116,7 +121,8 @@ TEST_F(PollPlanTest, mergingKeepsTheFieldsOfTheFirstKeyAndTheOrderOfEqualOnes) {
     EXPECT_EQ(keys.at(0).hostTag + keys.at(0).bufferOffset + keys.at(0).unitCode, 9);
 }
 
-TEST_F(PollPlanTest, weightsAndJoinTest) {
+TEST_F(PollPlanTest, weightsAndJoinTest)
+{
     EXPECT_EQ(getRegAddressWeight(1, qt("D"), 100), 1441870U);
     EXPECT_EQ(getRegAddressWeight(0, qt("D"), 100), 327775U);
     EXPECT_EQ(getRegAddressWeight(0, qt("Q"), 0), static_cast<quint32>(-65535));
@@ -142,7 +148,8 @@ TEST_F(PollPlanTest, weightsAndJoinTest) {
 }
 
 /// The device units of a key as "station kind unit".
-std::vector<std::string> unitsOf(const KEY_ADDRESS &wanted) {
+std::vector<std::string> unitsOf(const KEY_ADDRESS &wanted)
+{
     const bool bitsInWords = plain(wanted.regName) == "D_bit";
     const int perUnit = plain(wanted.regName) == "32C" ? 2 : 1;
     // Bits in words are only promised the words from that of the first bit on.
@@ -155,7 +162,8 @@ std::vector<std::string> unitsOf(const KEY_ADDRESS &wanted) {
     return units;
 }
 
-rc::Gen<KEY_ADDRESS> keys() {
+rc::Gen<KEY_ADDRESS> keys()
+{
     // Close together and often long, so that they overlap and are cut.
     return rc::gen::map(
         rc::gen::tuple(rc::gen::element<std::string>("D", "D_bit", "32C", "M"), rc::gen::inRange(0, 90),
@@ -165,7 +173,8 @@ rc::Gen<KEY_ADDRESS> keys() {
         });
 }
 
-RC_GTEST_FIXTURE_PROP(PollPlanTest, everyPolledUnitLiesInABlockOfAtMost32, ()) {
+RC_GTEST_FIXTURE_PROP(PollPlanTest, everyPolledUnitLiesInABlockOfAtMost32, ())
+{
     configures(3, *rc::gen::inRange(0, 20));
     const auto wanted = *rc::gen::container<std::vector<KEY_ADDRESS>>(keys());
     polls(wanted);

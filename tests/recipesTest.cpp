@@ -10,7 +10,8 @@ namespace {
 
 class RecipesTest : public DriverTest {
 protected:
-    std::vector<std::string> blocks() const {
+    std::vector<std::string> blocks() const
+    {
         std::vector<std::string> result;
         for (int i = 0; i < driver.recipeBlocks.size(); ++i)
             result.push_back(text(driver.recipeBlocks.at(i)) + " from " +
@@ -24,7 +25,8 @@ protected:
     bool isAsked(int requestByte) const { return controlBlock[static_cast<std::size_t>(requestByte)] != 0; }
 
     /// Answers the uploads of `number` blocks of words, word u of the controller holding u.
-    void uploadsWords(int number) {
+    void uploadsWords(int number)
+    {
         for (int i = 0; i < number; ++i) {
             sends();
             Bytes data;
@@ -37,7 +39,8 @@ protected:
     }
 };
 
-TEST_F(RecipesTest, arePlannedIntoBlocks) {
+TEST_F(RecipesTest, arePlannedIntoBlocks)
+{
     _RCP_VAR_PRO foreign = recipeItem("D", 0, 5, 9);
     foreign.instanceId = INSTANCE + 1;
     const struct {
@@ -87,7 +90,8 @@ TEST_F(RecipesTest, arePlannedIntoBlocks) {
     }
 }
 
-TEST_F(RecipesTest, downloadWritesTheBufferBlockByBlockAheadOfAll) {
+TEST_F(RecipesTest, downloadWritesTheBufferBlockByBlockAheadOfAll)
+{
     fillsBuffer();
     plansRecipe({recipeItem("D", 10, 5, 0), recipeItem("32C", 200, 4, 5), recipeItem("D", 20, 1, 9)});
     polls({key("D", 10, 1)});
@@ -111,7 +115,8 @@ TEST_F(RecipesTest, downloadWritesTheBufferBlockByBlockAheadOfAll) {
     EXPECT_EQ(sends(), "read 32C 200 2 @1");
 }
 
-TEST_F(RecipesTest, uploadFillsTheBufferAndTheCache) {
+TEST_F(RecipesTest, uploadFillsTheBufferAndTheCache)
+{
     plansRecipe({recipeItem("D", 12, 3, 7), recipeItem("D", 10, 2, 0), recipeItem("32C", 200, 2, 20),
                  recipeItem("32C", 201, 2, 30)});
     polls({key("D", 12, 1)});
@@ -134,7 +139,8 @@ TEST_F(RecipesTest, uploadFillsTheBufferAndTheCache) {
     EXPECT_FALSE(isAsked(UPLOAD_BYTE));
 }
 
-TEST_F(RecipesTest, bitsAreReadIntoTheCacheAlone) {
+TEST_F(RecipesTest, bitsAreReadIntoTheCacheAlone)
+{
     plansRecipe({recipeItem("M", 0, 5, 0)});
     asks(UPLOAD_BYTE);
     EXPECT_EQ(exchanges(reply({0x15})), "read M 0 5 @1");
@@ -146,7 +152,8 @@ TEST_F(RecipesTest, bitsAreReadIntoTheCacheAlone) {
     EXPECT_EQ(hexText(sentBytes()), hexText(envelope(hex("01 08 00 29 92 00 00 00 01 00 00"))));
 }
 
-RC_GTEST_FIXTURE_PROP(RecipesTest, everyWordOfARecipeGoesToItsOwnRegisterOnce, ()) {
+RC_GTEST_FIXTURE_PROP(RecipesTest, everyWordOfARecipeGoesToItsOwnRegisterOnce, ())
+{
     // Items with gaps or touching, of all lengths, laid into the buffer as they come.
     const auto lengths = *rc::gen::nonEmpty(rc::gen::container<std::vector<int>>(rc::gen::inRange(1, 100)));
     std::vector<_RCP_VAR_PRO> items;
@@ -183,7 +190,8 @@ RC_GTEST_FIXTURE_PROP(RecipesTest, everyWordOfARecipeGoesToItsOwnRegisterOnce, (
     RC_ASSERT(written == offset);
 }
 
-TEST_F(RecipesTest, aTransferEndsWhereABlockIsGivenUp) {
+TEST_F(RecipesTest, aTransferEndsWhereABlockIsGivenUp)
+{
     configures(1, 16);
     plansRecipe({recipeItem("D", 0, 1, 0), recipeItem("D", 5, 1, 1), recipeItem("D", 9, 1, 2)});
     polls({key("D", 50, 1)});
@@ -198,7 +206,8 @@ TEST_F(RecipesTest, aTransferEndsWhereABlockIsGivenUp) {
     }
 }
 
-TEST_F(RecipesTest, aBlockThatCannotBeSentEndsTheTransfer) {
+TEST_F(RecipesTest, aBlockThatCannotBeSentEndsTheTransfer)
+{
     polls({key("D", 50, 1)});
     for (const _RCP_VAR_PRO &item : {recipeItem("Q", 0, 1, 0), recipeItem("D", 0, 1, -1), recipeItem("D", 0, -1, 0),
                                      recipeItem("D", 0, 10000, 0)}) {
@@ -214,7 +223,8 @@ TEST_F(RecipesTest, aBlockThatCannotBeSentEndsTheTransfer) {
     }
 }
 
-TEST_F(RecipesTest, aRequestWithNothingToTransferIsEndedAndTheCallGoesOn) {
+TEST_F(RecipesTest, aRequestWithNothingToTransferIsEndedAndTheCallGoesOn)
+{
     polls({key("D", 50, 1)});
     asks(DOWNLOAD_BYTE);
     asks(UPLOAD_BYTE);
@@ -234,7 +244,8 @@ TEST_F(RecipesTest, aRequestWithNothingToTransferIsEndedAndTheCallGoesOn) {
     EXPECT_EQ(controlBlock[DOWNLOAD_BYTE], 2) << "1 asks, nothing else";
 }
 
-TEST_F(RecipesTest, aPlanReplacedDuringAnUploadGetsNoForeignValues) {
+TEST_F(RecipesTest, aPlanReplacedDuringAnUploadGetsNoForeignValues)
+{
     plansRecipe({recipeItem("D", 0, 2, 0)});
     asks(UPLOAD_BYTE);
     sends();
@@ -244,7 +255,8 @@ TEST_F(RecipesTest, aPlanReplacedDuringAnUploadGetsNoForeignValues) {
     EXPECT_EQ(word(1), 6);
 }
 
-TEST_F(RecipesTest, requestsTakeTheirValuesFromTheBlocksPlace) {
+TEST_F(RecipesTest, requestsTakeTheirValuesFromTheBlocksPlace)
+{
     fillsBuffer();
     VARIABLE wanted = request("M", 9, 9, 9);
     wanted.hostContext = 11;

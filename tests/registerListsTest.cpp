@@ -33,7 +33,8 @@ const KindRow KINDS[] = {
     {"C_Contact", {"DDD", "0", "255", "0", "1"}, 0x9D, 0, 255},
 };
 
-TEST(RegisterTable, describesEveryKindToTheHost) {
+TEST(RegisterTable, describesEveryKindToTheHost)
+{
     int kind = 0;
     for (const KindRow &row : KINDS) {
         SCOPED_TRACE(row.name);
@@ -53,14 +54,16 @@ TEST(RegisterTable, describesEveryKindToTheHost) {
     EXPECT_EQ(kind, REG_LIST.size());
 }
 
-TEST(RegisterTable, describesNothingForAnUnknownKind) {
+TEST(RegisterTable, describesNothingForAnUnknownKind)
+{
     QStringList texts(qt("kept"));
     for (const char *name : {"Q", "d", "", "D ", "D_Bit"})
         EXPECT_EQ(intf_getRegDiscription(qt(name), texts), 0);
     EXPECT_EQ(texts.size(), 1);
 }
 
-TEST(RegisterTable, listsKindsByTypeBehindWhatTheListHolds) {
+TEST(RegisterTable, listsKindsByTypeBehindWhatTheListHolds)
+{
     const std::vector<std::string> bits = {"X",     "Y",      "M",         "S",      "SM",       "D_bit",
                                            "R_bit", "T_Coil", "T_Contact", "C_Coil", "C_Contact"};
     const std::vector<std::string> wordKinds = {"32C", "C", "T", "R", "SD", "D"};

@@ -5,7 +5,8 @@ namespace {
 class ReplyCheckTest : public DriverTest {
 protected:
     /// What becomes of an answer to a read of D100 and D101.
-    int receivesForRead(const Bytes &answer) {
+    int receivesForRead(const Bytes &answer)
+    {
         configures(1, 16);
         polls({key("D", 100, 2)});
         sends();
@@ -13,7 +14,8 @@ protected:
     }
 };
 
-TEST_F(ReplyCheckTest, refusesADamagedReplyAndLeavesTheCache) {
+TEST_F(ReplyCheckTest, refusesADamagedReplyAndLeavesTheCache)
+{
     const Bytes good = reply(words({0x1234, 0x1010}));
     Bytes tooShort = reply(words({0x1234}));
     Bytes longer = good;
@@ -47,7 +49,8 @@ TEST_F(ReplyCheckTest, refusesADamagedReplyAndLeavesTheCache) {
     }
 }
 
-TEST_F(ReplyCheckTest, refusesEveryFlippedBitAndEveryTruncation) {
+TEST_F(ReplyCheckTest, refusesEveryFlippedBitAndEveryTruncation)
+{
     const Bytes good = reply(words({0x1234, 0x0310}));
     for (std::size_t position = 0; position < good.size(); ++position) {
         for (int bit = 0; bit < 8; ++bit) {
@@ -62,7 +65,8 @@ TEST_F(ReplyCheckTest, refusesEveryFlippedBitAndEveryTruncation) {
     }
 }
 
-TEST_F(ReplyCheckTest, describesTheTransactionForEveryReply) {
+TEST_F(ReplyCheckTest, describesTheTransactionForEveryReply)
+{
     const struct {
         KEY_ADDRESS wanted;
         Bytes answer;
@@ -89,7 +93,8 @@ TEST_F(ReplyCheckTest, describesTheTransactionForEveryReply) {
     EXPECT_EQ(description(), "2#R_bit100.5(1)");
 }
 
-TEST_F(ReplyCheckTest, ignoresAReplyToNothing) {
+TEST_F(ReplyCheckTest, ignoresAReplyToNothing)
+{
     QByteArray answer = arrayOf(hex("10 02 10 10 10 10 10 03 44 33"));
     const QByteArray unchanged = answer;
     QString text = qt("old");
@@ -98,7 +103,8 @@ TEST_F(ReplyCheckTest, ignoresAReplyToNothing) {
     EXPECT_EQ(answer, unchanged);
 }
 
-TEST_F(ReplyCheckTest, reducesDoubledBytesInTheHostsArray) {
+TEST_F(ReplyCheckTest, reducesDoubledBytesInTheHostsArray)
+{
     polls({key("D", 0, 1)});
     sends();
     QByteArray answer = arrayOf(reply(words({0x1010})));
@@ -107,7 +113,8 @@ TEST_F(ReplyCheckTest, reducesDoubledBytesInTheHostsArray) {
     EXPECT_EQ(bytesOf(answer), envelope(hex("01 03 00 00 10 10")));
 }
 
-TEST_F(ReplyCheckTest, acceptsSilenceOnlyWhereNoneIsAskedToAnswer) {
+TEST_F(ReplyCheckTest, acceptsSilenceOnlyWhereNoneIsAskedToAnswer)
+{
     writes("D", 0, 1, words({1}), 255);
     sends();
     EXPECT_EQ(receives(acknowledgement()), 8);

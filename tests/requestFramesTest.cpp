@@ -7,7 +7,8 @@ namespace {
 class RequestFramesTest : public DriverTest {
 protected:
     /// The frame that was queued for the request, or an empty one.
-    FRAME_PRO read(const VARIABLE &wanted) {
+    FRAME_PRO read(const VARIABLE &wanted)
+    {
         driver.frameQueue.clear();
         QList<VARIABLE> requests;
         requests.append(wanted);
@@ -16,20 +17,23 @@ protected:
         return driver.frameQueue.isEmpty() ? FRAME_PRO() : driver.frameQueue.takeFirst();
     }
 
-    FRAME_PRO write(VARIABLE wanted, const Bytes &values) {
+    FRAME_PRO write(VARIABLE wanted, const Bytes &values)
+    {
         driver.frameQueue.clear();
         std::copy(values.begin(), values.end(), wanted.data);
         getWriteFrame(wanted);
         return driver.frameQueue.isEmpty() ? FRAME_PRO() : driver.frameQueue.takeFirst();
     }
 
-    static std::string wire(const FRAME_PRO &frame) {
+    static std::string wire(const FRAME_PRO &frame)
+    {
         return hexText(Bytes(frame.frame, frame.frame + frame.frameLength));
     }
     static std::string wire(const char *body) { return hexText(doubled(envelope(hex(body)))); }
 };
 
-TEST_F(RequestFramesTest, readsStandOnTheWireAsInTheTable) {
+TEST_F(RequestFramesTest, readsStandOnTheWireAsInTheTable)
+{
     const struct {
         VARIABLE wanted;
         const char *body;
@@ -71,7 +75,8 @@ TEST_F(RequestFramesTest, readsStandOnTheWireAsInTheTable) {
     EXPECT_EQ(wire(read(request("D", 100, 10))), "10 02 01 07 00 20 a0 00 01 00 0a 00 10 03 44 33");
 }
 
-TEST_F(RequestFramesTest, writesStandOnTheWireAsInTheTable) {
+TEST_F(RequestFramesTest, writesStandOnTheWireAsInTheTable)
+{
     const struct {
         VARIABLE wanted;
         Bytes values;
@@ -104,7 +109,8 @@ TEST_F(RequestFramesTest, writesStandOnTheWireAsInTheTable) {
     }
 }
 
-TEST_F(RequestFramesTest, requestsWithoutAFrameQueueNothing) {
+TEST_F(RequestFramesTest, requestsWithoutAFrameQueueNothing)
+{
     for (const VARIABLE &wanted : {request("D", 0, 1, 255), request("Q", 0, 1), request("D", 0, -1)})
         EXPECT_EQ(read(wanted).frameLength, 0) << text(wanted);
     EXPECT_EQ(getReadFrame(QList<VARIABLE>()), 0);

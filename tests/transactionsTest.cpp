@@ -5,7 +5,8 @@ namespace {
 using TransactionsTest = DriverTest;
 using Sent = std::vector<std::string>;
 
-TEST_F(TransactionsTest, nothingToDoIsIdle) {
+TEST_F(TransactionsTest, nothingToDoIsIdle)
+{
     driver.burstCount = 5;
     driver.transactionKind = TransactionWrite;
     EXPECT_EQ(sends(), "nothing");
@@ -16,7 +17,8 @@ TEST_F(TransactionsTest, nothingToDoIsIdle) {
     EXPECT_EQ(intf_dealRcvFrame(bytes, text), 0);
 }
 
-TEST_F(TransactionsTest, aBlockIsReadAfterTenWrites) {
+TEST_F(TransactionsTest, aBlockIsReadAfterTenWrites)
+{
     polls({key("R", 0, 1)});
     for (int i = 0; i < 12; ++i)
         writes("D", i, 1, words({i}));
@@ -31,7 +33,8 @@ TEST_F(TransactionsTest, aBlockIsReadAfterTenWrites) {
     EXPECT_EQ(exchangesWell(15), expected);
 }
 
-TEST_F(TransactionsTest, withoutBlocksABurstEndsInOneCallWithNothing) {
+TEST_F(TransactionsTest, withoutBlocksABurstEndsInOneCallWithNothing)
+{
     for (int i = 0; i < 11; ++i)
         writes("D", i, 1, words({i}));
     exchangesWell(10);
@@ -39,7 +42,8 @@ TEST_F(TransactionsTest, withoutBlocksABurstEndsInOneCallWithNothing) {
     EXPECT_EQ(sends(), "write D 10 1 @1");
 }
 
-TEST_F(TransactionsTest, conditionReadsFillABurstOfThree) {
+TEST_F(TransactionsTest, conditionReadsFillABurstOfThree)
+{
     polls({key("R", 0, 1)});
     for (int i = 0; i < 5; ++i)
         asksForCondition(key("D", i, 1));
@@ -52,14 +56,16 @@ TEST_F(TransactionsTest, conditionReadsFillABurstOfThree) {
               (Sent{"write D 10 1 @1", "write D 11 1 @1", "write D 12 1 @1", "read R 0 1 @1", "read D 0 1 @1"}));
 }
 
-TEST_F(TransactionsTest, blocksAreReadInTurn) {
+TEST_F(TransactionsTest, blocksAreReadInTurn)
+{
     EXPECT_EQ(polls({key("D", 0, 1), key("D", 100, 1), key("D", 200, 1)}), 3);
     exchangesWell(1);
     EXPECT_EQ(texts(driver.readBlocks), (Sent{"D 100 1 @1", "D 200 1 @1", "D 0 1 @1"}));
     EXPECT_EQ(exchangesWell(3), (Sent{"read D 100 1 @1", "read D 200 1 @1", "read D 0 1 @1"}));
 }
 
-TEST_F(TransactionsTest, aFrameIsResentUntilTheRetryLimit) {
+TEST_F(TransactionsTest, aFrameIsResentUntilTheRetryLimit)
+{
     polls({key("D", 0, 1), key("D", 100, 1)});
     driver.lastTransactionFailed = 1;
     for (int limit : {3, 2, 1, 0, -1}) {
@@ -80,7 +86,8 @@ TEST_F(TransactionsTest, aFrameIsResentUntilTheRetryLimit) {
     }
 }
 
-TEST_F(TransactionsTest, retriesAreCountedForEachFrameAnew) {
+TEST_F(TransactionsTest, retriesAreCountedForEachFrameAnew)
+{
     polls({key("D", 0, 1)});
     for (int i = 0; i < 3; ++i) {
         sends();
@@ -90,7 +97,8 @@ TEST_F(TransactionsTest, retriesAreCountedForEachFrameAnew) {
     }
 }
 
-TEST_F(TransactionsTest, aGivenUpWriteLeavesTheQueueAndTheDevicesValue) {
+TEST_F(TransactionsTest, aGivenUpWriteLeavesTheQueueAndTheDevicesValue)
+{
     configures(2, 16);
     writes("D", 0, 2, words({1, 2}));
     writes("D", 5, 1, words({3}));
@@ -103,7 +111,8 @@ TEST_F(TransactionsTest, aGivenUpWriteLeavesTheQueueAndTheDevicesValue) {
     EXPECT_TRUE(driver.writeQueue.isEmpty());
 }
 
-TEST_F(TransactionsTest, aWriteThatFitsNoFrameFailsAtOnceAndTheNextGoesOn) {
+TEST_F(TransactionsTest, aWriteThatFitsNoFrameFailsAtOnceAndTheNextGoesOn)
+{
     configures(3, 600);
     writes("D", 0, 505, Bytes(1010, 1));
     writes("D", 600, 500, Bytes(1000, 0x10));
@@ -118,7 +127,8 @@ TEST_F(TransactionsTest, aWriteThatFitsNoFrameFailsAtOnceAndTheNextGoesOn) {
     EXPECT_EQ(exchangesWell(1), Sent{"write D 1500 1 @1"});
 }
 
-TEST_F(TransactionsTest, aBlockForAllStationsHoldsTheRotation) {
+TEST_F(TransactionsTest, aBlockForAllStationsHoldsTheRotation)
+{
     polls({key("D", 0, 1, 255), key("D", 0, 1, 256)});
     EXPECT_EQ(sends(), "nothing");
     EXPECT_EQ(sends(), "nothing");
@@ -129,13 +139,15 @@ TEST_F(TransactionsTest, aBlockForAllStationsHoldsTheRotation) {
     EXPECT_EQ(unit("D", 0, 255).writePending, 0);
 }
 
-TEST_F(TransactionsTest, aRequestForNoUnitsIsSentAndAcknowledged) {
+TEST_F(TransactionsTest, aRequestForNoUnitsIsSentAndAcknowledged)
+{
     polls({key("32C", 200, 1), key("D", 0, 1)});
     EXPECT_EQ(exchangesWell(2), (Sent{"read 32C 200 0 @1", "read D 0 1 @1"}));
     EXPECT_EQ(driver.lastTransactionFailed, 0);
 }
 
-TEST_F(TransactionsTest, valuesOfEveryUnitWidthReachTheCache) {
+TEST_F(TransactionsTest, valuesOfEveryUnitWidthReachTheCache)
+{
     polls({key("M", 0, 20), key("D", 0, 2), key("32C", 200, 4)});
     EXPECT_EQ(exchanges(reply(hex("04 03 02 81 ff 00 00 00"))), "read 32C 200 2 @1");
     EXPECT_EQ(reports(), (Reports{"32C 200 @1", "32C 201 @1"}));
@@ -149,7 +161,8 @@ TEST_F(TransactionsTest, valuesOfEveryUnitWidthReachTheCache) {
     EXPECT_EQ(reports(), (Reports{"32C 200 @1", "32C 201 @1", "D 0 @1", "D 1 @1"})) << "M is unchanged";
 }
 
-TEST_F(TransactionsTest, aHostMayPostAWriteFromTheReportOfARead) {
+TEST_F(TransactionsTest, aHostMayPostAWriteFromTheReportOfARead)
+{
     polls({key("D", 0, 2)});
     whenReported = [this](const std::string &report) {
         if (report == "D 0 @1")

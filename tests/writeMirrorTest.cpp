@@ -63,14 +63,16 @@ protected:
     ShapeRow row = GetParam();
     ValueShape shape = valueShape(row.valueWidth, row.unitWidth, qt(row.name));
 
-    void mirrors(const Bytes &values) {
+    void mirrors(const Bytes &values)
+    {
         flagUnits(shape, 1, 10, row.hostCount);
         mirrorUnits(shape, 1, qt(row.name), 10, row.hostCount, values.data());
     }
     void settles(bool accepted) { settleUnits(shape, 1, qt(row.name), 10, row.deviceUnits, accepted); }
 
     /// Bytes of the units that hold the values, as shown.
-    std::string unitsAs(const quint8 (_DATA_::*value)[4]) const {
+    std::string unitsAs(const quint8 (_DATA_::*value)[4]) const
+    {
         Bytes bytes;
         for (int i = 0; i < driver.dataAreas.size(); ++i) {
             const quint8 *unitBytes = driver.dataAreas.at(i).*value;
@@ -79,7 +81,8 @@ protected:
         return hexText(bytes);
     }
 
-    int pendingUnits() const {
+    int pendingUnits() const
+    {
         int pending = 0;
         for (int i = 0; i < driver.dataAreas.size(); ++i)
             pending += driver.dataAreas.at(i).writePending;
@@ -87,7 +90,8 @@ protected:
     }
 };
 
-TEST_P(WriteMirrorShapeTest, isShownAtOnceAndReportedWhereItChangesWhatIsShown) {
+TEST_P(WriteMirrorShapeTest, isShownAtOnceAndReportedWhereItChangesWhatIsShown)
+{
     mirrors(hex(row.values));
     EXPECT_EQ(reports(), row.whenMirrored);
     EXPECT_EQ(pendingUnits(), driver.dataAreas.size());
@@ -100,7 +104,8 @@ TEST_P(WriteMirrorShapeTest, isShownAtOnceAndReportedWhereItChangesWhatIsShown) 
     EXPECT_EQ(reports(), Reports{}) << "nothing changes for the host";
 }
 
-TEST_P(WriteMirrorShapeTest, becomesWhatWasReadWhenAccepted) {
+TEST_P(WriteMirrorShapeTest, becomesWhatWasReadWhenAccepted)
+{
     mirrors(hex(row.values));
     const std::string written = unitsAs(&_DATA_::writeValue);
     reports();
@@ -113,7 +118,8 @@ TEST_P(WriteMirrorShapeTest, becomesWhatWasReadWhenAccepted) {
         EXPECT_EQ(reports(), Reports{});
 }
 
-TEST_P(WriteMirrorShapeTest, isDroppedAndReportedWhenGivenUp) {
+TEST_P(WriteMirrorShapeTest, isDroppedAndReportedWhenGivenUp)
+{
     mirrors(hex(row.values));
     const std::string read = unitsAs(&_DATA_::readValue);
     reports();
@@ -123,7 +129,8 @@ TEST_P(WriteMirrorShapeTest, isDroppedAndReportedWhenGivenUp) {
     EXPECT_EQ(reports(), row.whenGivenUp);
 }
 
-std::string nameOfRow(const ::testing::TestParamInfo<ShapeRow> &info) {
+std::string nameOfRow(const ::testing::TestParamInfo<ShapeRow> &info)
+{
     std::string name = info.param.what;
     std::replace(name.begin(), name.end(), ' ', '_');
     return name;
@@ -131,7 +138,8 @@ std::string nameOfRow(const ::testing::TestParamInfo<ShapeRow> &info) {
 
 INSTANTIATE_TEST_SUITE_P(EveryShape, WriteMirrorShapeTest, ::testing::ValuesIn(SHAPES), nameOfRow);
 
-TEST_F(WriteMirrorTest, aWordWriteSettlesOrFallsBack) {
+TEST_F(WriteMirrorTest, aWordWriteSettlesOrFallsBack)
+{
     polls({key("D", 100, 1)});
     exchanges(reply(words({7})));
     EXPECT_EQ(reports(), Reports{"D 100 @1"});
@@ -152,7 +160,8 @@ TEST_F(WriteMirrorTest, aWordWriteSettlesOrFallsBack) {
     EXPECT_EQ(reports(), Reports{"D 100 @1"});
 }
 
-TEST_F(WriteMirrorTest, writesOfBitsAreCountedUntilTheLastIsSettled) {
+TEST_F(WriteMirrorTest, writesOfBitsAreCountedUntilTheLastIsSettled)
+{
     polls({key("D_bit", 1603, 1), key("D", 100, 1)});
     writes("D_bit", 1603, 1, {1});
     EXPECT_EQ(reports(), (Reports{"D_bit 1603 @1", "D 100 @1"}));
@@ -175,7 +184,8 @@ TEST_F(WriteMirrorTest, writesOfBitsAreCountedUntilTheLastIsSettled) {
     EXPECT_EQ(word(100), 8);
 }
 
-TEST_F(WriteMirrorTest, aWordShowsItsOtherBitsWhileOneIsWritten) {
+TEST_F(WriteMirrorTest, aWordShowsItsOtherBitsWhileOneIsWritten)
+{
     polls({key("D", 100, 1)});
     exchanges(reply(words({0x8421})));
     writes("D_bit", 1608, 2, {1, 2});
@@ -185,7 +195,8 @@ TEST_F(WriteMirrorTest, aWordShowsItsOtherBitsWhileOneIsWritten) {
     EXPECT_EQ(word(100), 0x8521);
 }
 
-TEST_F(WriteMirrorTest, aReadEndsAPendingWriteUnlessBitsOfItAreOutstanding) {
+TEST_F(WriteMirrorTest, aReadEndsAPendingWriteUnlessBitsOfItAreOutstanding)
+{
     const struct {
         const char *what;
         quint32 pendingBits;
@@ -221,7 +232,8 @@ TEST_F(WriteMirrorTest, aReadEndsAPendingWriteUnlessBitsOfItAreOutstanding) {
     EXPECT_EQ(unit("M", 0).writePending, 0);
 }
 
-TEST_F(WriteMirrorTest, callbacksSeeTheNewContentsAndMayWrite) {
+TEST_F(WriteMirrorTest, callbacksSeeTheNewContentsAndMayWrite)
+{
     std::vector<int> seen;
     polls({key("D", 100, 2), key("D_bit", 1600, 16)});
     whenReported = [&](const std::string &report) {
@@ -236,7 +248,8 @@ TEST_F(WriteMirrorTest, callbacksSeeTheNewContentsAndMayWrite) {
     EXPECT_EQ(driver.writesBeingMirrored, 0);
 }
 
-TEST_F(WriteMirrorTest, aBitIsReportedUnderTheHostsNameEvenWhenNotPolled) {
+TEST_F(WriteMirrorTest, aBitIsReportedUnderTheHostsNameEvenWhenNotPolled)
+{
     writes("X", 10, 1, {1});
     EXPECT_EQ(reports(), Reports{"X 10 @1"});
     for (int i = 0; i < 3; ++i)
@@ -245,7 +258,8 @@ TEST_F(WriteMirrorTest, aBitIsReportedUnderTheHostsNameEvenWhenNotPolled) {
     EXPECT_EQ(reads("X", 10, 1), Bytes{0});
 }
 
-TEST_F(WriteMirrorTest, aNewPollListForgetsOutstandingBitsButNotTheWrite) {
+TEST_F(WriteMirrorTest, aNewPollListForgetsOutstandingBitsButNotTheWrite)
+{
     writes("D_bit", 1603, 1, {1});
     polls({key("D", 100, 1)});
     EXPECT_EQ(unit("D", 100).pendingBitWrites, 0U);

@@ -15,7 +15,8 @@ protected:
     std::vector<std::string> queue() const { return texts(driver.writeQueue); }
 };
 
-TEST_F(WritesTest, areCutIntoPiecesAndConvertedToDeviceUnits) {
+TEST_F(WritesTest, areCutIntoPiecesAndConvertedToDeviceUnits)
+{
     const struct {
         const char *regName;
         int address, count, mergeGap;
@@ -47,7 +48,8 @@ TEST_F(WritesTest, areCutIntoPiecesAndConvertedToDeviceUnits) {
     }
 }
 
-TEST_F(WritesTest, replaceAWaitingOneForTheSamePlace) {
+TEST_F(WritesTest, replaceAWaitingOneForTheSamePlace)
+{
     headIsTaken();
     writes("D", 100, 1, words({1}));
     writes("D", 200, 1, words({9}));
@@ -62,7 +64,8 @@ TEST_F(WritesTest, replaceAWaitingOneForTheSamePlace) {
     EXPECT_EQ(queue().size(), 7U) << "the head may be in flight";
 }
 
-TEST_F(WritesTest, carryTheHostsContext) {
+TEST_F(WritesTest, carryTheHostsContext)
+{
     const Bytes values = words({1});
     intf_setData(1, qt("D"), 0, 1, values.data(), 7);
     intf_setData(1, qt("D"), 1, 1, values.data(), 8);
@@ -73,7 +76,8 @@ TEST_F(WritesTest, carryTheHostsContext) {
     EXPECT_EQ(frame.variable.hostContext, 7U);
 }
 
-TEST_F(WritesTest, aFullQueueHasItsLastEntryReplaced) {
+TEST_F(WritesTest, aFullQueueHasItsLastEntryReplaced)
+{
     for (int i = 0; i < 520; ++i)
         writes("D", i, 1, words({i}));
     EXPECT_EQ(queue().size(), 513U);
@@ -81,7 +85,8 @@ TEST_F(WritesTest, aFullQueueHasItsLastEntryReplaced) {
     EXPECT_EQ(queue()[512], "D 519 1 @1");
 }
 
-TEST_F(WritesTest, toTheCacheAloneQueueNothing) {
+TEST_F(WritesTest, toTheCacheAloneQueueNothing)
+{
     configures(3, 16, 1);
     polls({key("D", 0, 1)});
     writes("D", 0, 600, Bytes(1200, 1));
@@ -90,7 +95,8 @@ TEST_F(WritesTest, toTheCacheAloneQueueNothing) {
     EXPECT_EQ(sends(), "read D 0 1 @1");
 }
 
-TEST_F(WritesTest, areNotSentBeforeTheyAreMirrored) {
+TEST_F(WritesTest, areNotSentBeforeTheyAreMirrored)
+{
     polls({key("D", 0, 1)});
     writes("D", 0, 1, words({1}));
     driver.writesBeingMirrored = 1;
@@ -99,7 +105,8 @@ TEST_F(WritesTest, areNotSentBeforeTheyAreMirrored) {
     EXPECT_EQ(sends(), "write D 0 1 @1");
 }
 
-RC_GTEST_FIXTURE_PROP(WritesTest, cutWriteCarriesEveryValueOnce, ()) {
+RC_GTEST_FIXTURE_PROP(WritesTest, cutWriteCarriesEveryValueOnce, ())
+{
     const bool bits = *rc::gen::arbitrary<bool>();
     const int count = *rc::gen::inRange(1, bits ? 1025 : 513);
     const int gap = *rc::gen::inRange(1, 600);
@@ -122,7 +129,8 @@ RC_GTEST_FIXTURE_PROP(WritesTest, cutWriteCarriesEveryValueOnce, ()) {
     RC_ASSERT(carried == values);
 }
 
-TEST(GroupingKey, appendsPiecesBehindWhatTheListHolds) {
+TEST(GroupingKey, appendsPiecesBehindWhatTheListHolds)
+{
     KEY_ADDRESS record = key("M", 5, 3);
     record.data[2] = 1;
     record.hostTag = 9;

@@ -13,26 +13,24 @@
 #include <string>
 #include <vector>
 
-inline QString qt(const std::string &text) {
-    return QString::fromStdString(text);
-}
+inline QString qt(const std::string &text) { return QString::fromStdString(text); }
 
 /// gtest prints texts that differ only as std::string.
-inline std::string plain(const QString &text) {
-    return text.toStdString();
-}
+inline std::string plain(const QString &text) { return text.toStdString(); }
 std::vector<std::string> plain(const QList<QString> &texts);
 
 KEY_ADDRESS key(const std::string &regName, int address, int count, int station = 1);
 VARIABLE request(const std::string &regName, int address, int count, int station = 1);
 
 /// "D 100 10 @1": kind, address, count and station, for comparing plans and queues as texts.
-template <typename Record> std::string text(const Record &record) {
+template <typename Record> std::string text(const Record &record)
+{
     return plain(record.regName) + " " + std::to_string(record.address) + " " + std::to_string(record.count) + " @" +
            std::to_string(record.station);
 }
 
-template <typename List> std::vector<std::string> texts(const List &records) {
+template <typename List> std::vector<std::string> texts(const List &records)
+{
     std::vector<std::string> result;
     for (int i = 0; i < records.size(); ++i)
         result.push_back(text(records.at(i)));

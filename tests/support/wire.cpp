@@ -3,7 +3,8 @@
 #include <numeric>
 #include <sstream>
 
-Bytes hex(const std::string &text) {
+Bytes hex(const std::string &text)
+{
     std::istringstream in(text);
     Bytes bytes;
     for (unsigned value = 0; in >> std::hex >> value;)
@@ -11,7 +12,8 @@ Bytes hex(const std::string &text) {
     return bytes;
 }
 
-std::string hexText(const Bytes &bytes) {
+std::string hexText(const Bytes &bytes)
+{
     static const char digits[] = "0123456789abcdef";
     std::string text;
     for (unsigned char byte : bytes) {
@@ -23,15 +25,15 @@ std::string hexText(const Bytes &bytes) {
     return text;
 }
 
-Bytes bytesOf(const QByteArray &array) {
-    return Bytes(array.begin(), array.end());
-}
+Bytes bytesOf(const QByteArray &array) { return Bytes(array.begin(), array.end()); }
 
-QByteArray arrayOf(const Bytes &bytes) {
+QByteArray arrayOf(const Bytes &bytes)
+{
     return QByteArray(reinterpret_cast<const char *>(bytes.data()), static_cast<int>(bytes.size()));
 }
 
-Bytes words(std::initializer_list<int> values) {
+Bytes words(std::initializer_list<int> values)
+{
     Bytes bytes;
     for (int value : values) {
         bytes.push_back(static_cast<unsigned char>(value & 0xff));
@@ -40,7 +42,8 @@ Bytes words(std::initializer_list<int> values) {
     return bytes;
 }
 
-Bytes envelope(const Bytes &body) {
+Bytes envelope(const Bytes &body)
+{
     const int sum = std::accumulate(body.begin(), body.end(), 0) & 0xff;
     static const char digits[] = "0123456789ABCDEF";
     Bytes frame = {0x10, 0x02};
@@ -52,7 +55,8 @@ Bytes envelope(const Bytes &body) {
     return frame;
 }
 
-Bytes doubled(const Bytes &frame) {
+Bytes doubled(const Bytes &frame)
+{
     Bytes result(frame.begin(), frame.begin() + 2);
     for (auto byte = frame.begin() + 2; byte != frame.end() - 4; ++byte)
         result.insert(result.end(), *byte == 0x10 ? 2 : 1, *byte);
@@ -60,7 +64,8 @@ Bytes doubled(const Bytes &frame) {
     return result;
 }
 
-Bytes reply(const Bytes &data, unsigned char station, unsigned char status) {
+Bytes reply(const Bytes &data, unsigned char station, unsigned char status)
+{
     const auto length = data.size() + 1;
     Bytes body = {station, static_cast<unsigned char>(length & 0xff), static_cast<unsigned char>(length >> 8), status};
     body.insert(body.end(), data.begin(), data.end());

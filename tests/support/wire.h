@@ -31,11 +31,7 @@ Bytes doubled(const Bytes &frame);
 
 /// A reply with that status and data, as it goes over the wire.
 Bytes reply(const Bytes &data, unsigned char station = 1, unsigned char status = 0);
-inline Bytes acknowledgement() {
-    return reply({});
-}
-inline Bytes refusal(unsigned char status) {
-    return reply({}, 1, status);
-}
+inline Bytes acknowledgement() { return reply({}); }
+inline Bytes refusal(unsigned char status) { return reply({}, 1, status); }
 
 #endif
