@@ -1,0 +1,66 @@
+#include "simulator/lineServer.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <termios.h>
+
+namespace vssim {
+
+namespace {
+
+int checked(int result, const char *what)
+{
+    if (result < 0)
+        throw std::system_error(errno, std::generic_category(), what);
+    return result;
+}
+
+std::string deviceOf(int master)
+{
+    std::array<char, 256> name{};
+    const int failure = ptsname_r(master, name.data(), name.size());
+    if (failure != 0)
+        throw std::system_error(failure, std::generic_category(), "pty name");
+    return name.data();
+}
+
+// No echo and no translation, whatever the host sets up later.
+void makeRaw(int descriptor)
+{
+    termios settings{};
+    checked(tcgetattr(descriptor, &settings), "pty settings");
+    cfmakeraw(&settings);
+    checked(tcsetattr(descriptor, TCSANOW, &settings), "pty settings");
+}
+
+} // namespace
+
+SerialServer::SerialServer(asio::io_context &context, const tools::SerialSettings &settings, const Served &all,
+                           Lost lost)
+{
+    asio::serial_port port(context);
+    tools::openSerial(port, settings);
+    session = std::make_shared<Session<asio::serial_port>>(std::move(port), all, settings.device, std::move(lost));
+    session->start();
+}
+
+SerialServer::~SerialServer() { session->close(); }
+
+PtyServer::PtyServer(asio::io_context &context, const Served &all) : hostSide(context)
+{
+    asio::posix::stream_descriptor master(context, checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "pty"));
+    checked(grantpt(master.native_handle()), "pty");
+    checked(unlockpt(master.native_handle()), "pty");
+    deviceName = deviceOf(master.native_handle());
+    hostSide.assign(checked(open(deviceName.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), deviceName.c_str()));
+    makeRaw(hostSide.native_handle());
+    session = std::make_shared<Session<asio::posix::stream_descriptor>>(std::move(master), all, deviceName);
+    session->start();
+}
+
+PtyServer::~PtyServer() { session->close(); }
+
+} // namespace vssim

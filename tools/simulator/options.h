@@ -1,0 +1,36 @@
+// The command line of vssim.
+#pragma once
+
+#include "simulator/controller.h"
+
+#include "common/serialLine.h"
+#include "common/tcpAddress.h"
+
+#include <chrono>
+
+namespace vssim {
+
+struct Options {
+    std::vector<tools::TcpAddress> tcp;
+    std::vector<tools::SerialSettings> serial;
+    bool pty = false;
+    std::set<std::uint8_t> stations;
+    BitWriteMode bitWriteMode = BitWriteMode::bytes;
+    std::vector<std::string> seedFiles;
+    std::vector<std::string> seeds;
+    std::optional<std::chrono::milliseconds> animateEvery; ///< none: nothing moves
+    std::vector<std::string> faults;
+    std::uint32_t faultSeed = 1;
+    bool trace = false;
+    std::string traceFile; ///< empty: standard error
+    std::optional<std::chrono::milliseconds> runFor;
+};
+
+constexpr int exitOk = 0;
+constexpr int exitLink = 1;
+constexpr int exitUsage = 2;
+
+/// What to do, or the exit code after the help text or a complaint has been printed.
+std::variant<Options, int> parseOptions(int argc, char **argv);
+
+} // namespace vssim
