@@ -1,0 +1,419 @@
+/// Whole sessions over real links: the loaded library, the reference host's loop, and the simulated controller, which
+/// has its own idea of the protocol. Nothing waits for time to pass: a session goes on until what is awaited is there.
+#include "communication.h"
+#include "driver.h"
+#include "simulator/lineServer.h"
+#include "simulator/request.h"
+#include "simulator/tcpServer.h"
+#include "support/wire.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+#include <variant>
+#include <vector>
+
+namespace {
+
+/// Enough for every session here, and few enough to end a stuck one soon.
+const int MOST_STEPS = 3000;
+
+/// A simulated controller behind a link, running on a thread of its own.
+class Plant {
+public:
+    Plant(bool onPty, const std::set<std::uint8_t> &stations) : controller(stations, vssim::BitWriteMode::single)
+    {
+        const vssim::Served served{controller, m_trace};
+        if (onPty)
+            m_pty = std::make_unique<vssim::PtyServer>(m_context, served);
+        else
+            m_tcp = std::make_unique<vssim::TcpServer>(m_context, tools::TcpAddress{"127.0.0.1", 0}, served);
+        m_thread = std::thread([this] { m_context.run(); });
+    }
+
+    ~Plant()
+    {
+        m_context.stop();
+        m_thread.join();
+    }
+
+    vshost::LinkAddress address() const
+    {
+        if (m_pty)
+            return tools::parseSerial(m_pty->device());
+        return m_tcp->address();
+    }
+
+    void dropLink() { m_tcp->dropClients(); }
+
+    vssim::Controller controller;
+
+private:
+    vssim::Trace m_trace;
+    asio::io_context m_context{1};
+    std::unique_ptr<vssim::TcpServer> m_tcp;
+    std::unique_ptr<vssim::PtyServer> m_pty;
+    std::thread m_thread;
+};
+
+struct Wanted {
+    std::string regName;
+    int address;
+    int count;
+    int station = 1;
+};
+
+std::string placeOf(int station, const std::string &regName, int address)
+{
+    return std::to_string(station) + " " + regName + " " + std::to_string(address);
+}
+
+/// The host: polls, writes, and keeps account of what it was told.
+class Panel : private vshost::TransactionListener {
+public:
+    explicit Panel(const vshost::LinkAddress &address, int mergeGap = 8)
+        : driver(TANEK_VS_LIBRARY, {1, false, 3, mergeGap}),
+          m_keeper(address, m_stop, [this](const std::string &notice) { notices.push_back(notice); }),
+          m_communication(driver.calls(), m_keeper, m_stop, {std::chrono::milliseconds(60), {}, {}}, *this)
+    {
+        driver.onChange([this](int station, const QString &regName, int number) {
+            ++reports[placeOf(station, regName.toStdString(), number)];
+            if (whenChanged)
+                whenChanged(station, regName.toStdString(), number);
+        });
+    }
+
+    void polls(const std::vector<Wanted> &wanted)
+    {
+        QList<KEY_ADDRESS> keys;
+        for (const Wanted &one : wanted) {
+            KEY_ADDRESS key;
+            key.station = one.station;
+            key.regName = QString::fromStdString(one.regName);
+            key.address = one.address;
+            key.count = one.count;
+            keys.append(key);
+        }
+        m_blocks = driver.calls().addrMerge(&keys);
+    }
+
+    void writes(const Wanted &place, const Bytes &values, std::uintptr_t number = 0)
+    {
+        driver.calls().setData(place.station, QString::fromStdString(place.regName), place.address, place.count,
+                               values.data(), number);
+    }
+
+    Bytes shows(const Wanted &place)
+    {
+        Bytes values(static_cast<std::size_t>(place.count) * 2);
+        driver.calls().getData(place.station, QString::fromStdString(place.regName), place.address, place.count,
+                               values.data());
+        return values;
+    }
+    int word(int address, int station = 1)
+    {
+        const Bytes bytes = shows({"D", address, 1, station});
+        return bytes[0] + 256 * bytes[1];
+    }
+
+    /// Runs the loop until that holds; false when it does not come to hold.
+    template <typename Condition> bool runsUntil(Condition condition)
+    {
+        for (int i = 0; i < MOST_STEPS; ++i) {
+            if (condition())
+                return true;
+            m_communication.step();
+        }
+        return condition();
+    }
+
+    /// Runs until every block has been read once more.
+    bool pollsAllAnew()
+    {
+        const std::size_t target = blocksRead + static_cast<std::size_t>(m_blocks);
+        return runsUntil([&] { return blocksRead >= target; });
+    }
+
+    bool transfers(vshost::RecipeDirection direction)
+    {
+        driver.requestRecipe(direction);
+        return runsUntil([&] { return !driver.recipeRequested(direction); });
+    }
+
+    vshost::Driver driver;
+    std::function<void(int, const std::string &, int)> whenChanged;
+    std::map<std::string, int> reports;
+    std::vector<std::string> notices;
+    std::map<std::uintptr_t, bool> writeEnds; ///< by number: confirmed or given up
+    std::size_t blocksRead = 0;
+    std::map<int, int> readsOf; ///< accepted reads, by station
+    std::map<int, int> giveUpsOf;
+    std::vector<FRAME_PRO> frames;
+
+private:
+    void frameChosen(const FRAME_PRO &frame) override { frames.push_back(frame); }
+    void accepted(const FRAME_PRO &frame) override
+    {
+        if (vshost::isWrite(frame)) {
+            writeEnds[frame.variable.hostContext] = true;
+        } else {
+            ++blocksRead;
+            ++readsOf[frame.variable.station];
+        }
+    }
+    void givenUp(const FRAME_PRO &frame, const vshost::Failure &) override
+    {
+        ++giveUpsOf[frame.variable.station];
+        if (vshost::isWrite(frame))
+            writeEnds[frame.variable.hostContext] = false;
+    }
+
+    vshost::StopSignal m_stop;
+    vshost::LinkKeeper m_keeper;
+    vshost::Communication m_communication;
+    int m_blocks = 0;
+};
+
+/// Every kind, with the first address and how many host counts and bytes its values take.
+struct Kind {
+    const char *name;
+    int first;
+    std::size_t bytesPerUnit;
+};
+
+const Kind KINDS[] = {{"32C", 200, 4},     {"C", 16, 2},      {"T", 16, 2},         {"R", 16, 2},
+                      {"SD", 9016, 2},     {"D", 16, 2},      {"X", 16, 1},         {"Y", 16, 1},
+                      {"M", 16, 1},        {"S", 16, 1},      {"SM", 9016, 1},      {"D_bit", 3200, 1},
+                      {"R_bit", 3200, 1},  {"T_Coil", 16, 1}, {"T_Contact", 16, 1}, {"C_Coil", 16, 1},
+                      {"C_Contact", 16, 1}};
+
+int hostCount(const Kind &kind, int units) { return kind.bytesPerUnit == 4 ? 2 * units : units; }
+
+/// Two unlike values of the kind, one with a DLE in it.
+Bytes twoValues(const Kind &kind)
+{
+    if (kind.bytesPerUnit == 1)
+        return {1, 0};
+    return kind.bytesPerUnit == 2 ? hex("10 03 ff 10") : hex("10 03 10 10 01 02 03 84");
+}
+
+Bytes memoryOf(const Plant &plant, const Kind &kind, int units)
+{
+    Bytes bytes;
+    for (int i = 0; i < units; ++i) {
+        const auto value = plant.controller.read(1, kind.name, static_cast<std::uint32_t>(kind.first + i)).value();
+        for (std::size_t k = 0; k < kind.bytesPerUnit; ++k)
+            bytes.push_back(static_cast<unsigned char>(value >> (8 * k)));
+    }
+    return bytes;
+}
+
+class OverEveryLink : public ::testing::TestWithParam<bool> {};
+
+std::string nameOfLink(const ::testing::TestParamInfo<bool> &info) { return info.param ? "serial" : "tcp"; }
+
+TEST_P(OverEveryLink, valuesOfEveryKindAreReadAndWritten)
+{
+    Plant plant(GetParam(), {1});
+    Panel panel(plant.address());
+    std::vector<Wanted> wanted;
+    for (const Kind &kind : KINDS) {
+        wanted.push_back({kind.name, kind.first, hostCount(kind, 2)});
+        plant.controller.write(1, kind.name, static_cast<std::uint32_t>(kind.first) + 1, 1);
+    }
+    panel.polls(wanted);
+    ASSERT_TRUE(panel.pollsAllAnew());
+    for (const Kind &kind : KINDS) {
+        SCOPED_TRACE(kind.name);
+        Bytes shown = panel.shows({kind.name, kind.first, hostCount(kind, 2)});
+        shown.resize(2 * kind.bytesPerUnit);
+        EXPECT_EQ(shown, memoryOf(plant, kind, 2));
+        EXPECT_EQ(panel.reports[placeOf(1, kind.name, kind.first + 1)], 1);
+        EXPECT_EQ(panel.reports[placeOf(1, kind.name, kind.first)], 0);
+    }
+
+    // Bits go one by one: a byte that stands for one bit alone is what the controller can tell.
+    std::uintptr_t number = 0;
+    for (const Kind &kind : KINDS) {
+        const Bytes values = twoValues(kind);
+        const auto size = static_cast<long>(kind.bytesPerUnit);
+        for (int i = 0; i < 2; ++i)
+            panel.writes({kind.name, kind.first + i, hostCount(kind, 1)},
+                         Bytes(values.begin() + i * size, values.begin() + (i + 1) * size), ++number);
+    }
+    ASSERT_TRUE(panel.runsUntil([&] { return panel.writeEnds.size() == number; }));
+    ASSERT_TRUE(panel.pollsAllAnew());
+    for (const Kind &kind : KINDS) {
+        SCOPED_TRACE(kind.name);
+        EXPECT_EQ(memoryOf(plant, kind, 2), twoValues(kind));
+        Bytes shown = panel.shows({kind.name, kind.first, hostCount(kind, 2)});
+        shown.resize(2 * kind.bytesPerUnit);
+        EXPECT_EQ(shown, twoValues(kind));
+    }
+    for (const auto &end : panel.writeEnds)
+        EXPECT_TRUE(end.second) << "write " << end.first;
+}
+
+TEST_P(OverEveryLink, recipesGoDownAndComeBack)
+{
+    Plant plant(GetParam(), {1, 16});
+    Panel panel(plant.address());
+    QVector<_RCP_VAR_PRO> items;
+    int offset = 0;
+    const Wanted places[] = {{"32C", 200, 2}, {"32C", 201, 2}, {"D", 16, 70},
+                             {"D", 86, 3},    {"R", 25999, 1}, {"D", 0, 5, 16}};
+    for (const Wanted &place : places) {
+        _RCP_VAR_PRO item;
+        item.instanceId = 1;
+        item.station = place.station;
+        item.regName = QString::fromStdString(place.regName);
+        item.address = place.address;
+        item.count = place.count;
+        item.bufferOffset = offset;
+        offset += place.count;
+        items.append(item);
+    }
+    panel.driver.planRecipe(items, static_cast<std::size_t>(offset));
+    std::vector<quint16> &buffer = panel.driver.recipeBuffer();
+    for (std::size_t i = 0; i < buffer.size(); ++i)
+        buffer[i] = static_cast<quint16>(0x1010 + i);
+    const std::vector<quint16> sent = buffer;
+    ASSERT_TRUE(panel.transfers(vshost::RecipeDirection::Download));
+    EXPECT_EQ(plant.controller.read(1, "32C", 201), 0x10131012U);
+    EXPECT_EQ(plant.controller.read(1, "D", 88), 0x1010U + 76);
+    EXPECT_EQ(plant.controller.read(16, "D", 4), 0x1010U + 82);
+    std::fill(buffer.begin(), buffer.end(), quint16(0));
+    ASSERT_TRUE(panel.transfers(vshost::RecipeDirection::Upload));
+    EXPECT_EQ(buffer, sent);
+}
+
+INSTANTIATE_TEST_SUITE_P(Links, OverEveryLink, ::testing::Values(false, true), nameOfLink);
+
+TEST(EndToEnd, theControllerReadsEveryFrameAsItWasMeant)
+{
+    Plant plant(false, {1});
+    Panel panel(plant.address());
+    std::vector<Wanted> wanted;
+    for (const Kind &kind : KINDS)
+        wanted.push_back({kind.name, kind.first, hostCount(kind, 3)});
+    panel.polls(wanted);
+    for (const Kind &kind : KINDS)
+        panel.writes({kind.name, kind.first, hostCount(kind, 1)}, twoValues(kind));
+    ASSERT_TRUE(panel.pollsAllAnew());
+
+    for (const FRAME_PRO &frame : panel.frames) {
+        const VARIABLE &meant = frame.variable;
+        const std::string name = meant.regName.toStdString();
+        SCOPED_TRACE(name + " " + std::to_string(meant.address));
+        const vssim::Bytes bytes(frame.frame, frame.frame + frame.frameLength);
+        const vssim::Decoded decoded = vssim::decode(vssim::FrameReader().feed(bytes).at(0));
+        const auto *request = std::get_if<vssim::Request>(&decoded);
+        ASSERT_TRUE(request);
+        EXPECT_EQ(request->station, meant.station);
+        EXPECT_EQ(request->kind->name, name);
+        EXPECT_EQ(request->number, static_cast<std::uint32_t>(meant.address));
+        if (request->command == vssim::Command::writeBits)
+            EXPECT_EQ(request->count, static_cast<std::uint32_t>((meant.count + 7) / 8));
+        else
+            EXPECT_EQ(request->count, static_cast<std::uint32_t>(meant.count));
+        if (request->command == vssim::Command::writeUnits)
+            EXPECT_EQ(request->data, Bytes(meant.data, meant.data + request->data.size()));
+    }
+    EXPECT_GE(panel.frames.size(), 2 * std::size(KINDS) - 2);
+}
+
+class UnderEveryFault : public ::testing::TestWithParam<const char *> {};
+
+TEST_P(UnderEveryFault, noWrongValueIsShownAndEveryWriteEnds)
+{
+    Plant plant(false, {1});
+    Panel panel(plant.address());
+    // What each word may show: what the controller held at first, and what the host wrote.
+    std::map<int, std::set<int>> allowed;
+    for (int address = 100; address < 140; ++address) {
+        const int initial = address * 401 % 65536;
+        plant.controller.write(1, "D", static_cast<std::uint32_t>(address), static_cast<std::uint32_t>(initial));
+        allowed[address] = {0, initial};
+    }
+    panel.whenChanged = [&](int, const std::string &, int number) {
+        EXPECT_EQ(allowed[number].count(panel.word(number)), 1U) << number << " shows " << panel.word(number);
+    };
+    panel.polls({{"D", 100, 40}});
+    plant.controller.addFault(GetParam());
+
+    std::map<std::uintptr_t, int> written; // value by number of the write
+    std::uintptr_t number = 0;
+    for (int round = 0; round < 6; ++round) {
+        const int address = 100 + 6 * round;
+        const int value = 0x1000 + round;
+        allowed[address].insert(value);
+        written[++number] = value;
+        panel.writes({"D", address, 1}, words({value}), number);
+        ASSERT_TRUE(panel.runsUntil([&] { return panel.writeEnds.count(number) != 0; }));
+    }
+    plant.controller.clearFaults();
+    ASSERT_TRUE(panel.pollsAllAnew());
+    ASSERT_TRUE(panel.pollsAllAnew());
+
+    for (int address = 100; address < 140; ++address)
+        EXPECT_EQ(panel.word(address), plant.controller.read(1, "D", static_cast<std::uint32_t>(address))) << address;
+    for (const auto &write : written) {
+        const int address = 100 + 6 * static_cast<int>(write.first - 1);
+        if (panel.writeEnds.at(write.first))
+            EXPECT_EQ(panel.word(address), write.second) << "confirmed";
+    }
+    std::uint64_t met = 0;
+    for (std::uint64_t count : plant.controller.counts().faults)
+        met += count;
+    EXPECT_GT(met, 0U) << "the fault was never met";
+}
+
+std::string nameOfFault(const ::testing::TestParamInfo<const char *> &info)
+{
+    std::string name = info.param;
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, UnderEveryFault,
+                         ::testing::Values("silence:p=0.3", "silence:n=7", "error:p=0.4", "error:n=7", "drop:p=0.4",
+                                           "flip:p=0.5", "truncate:p=0.4", "overlong:p=0.4", "garbage:p=0.5",
+                                           "wrong-station:p=0.4", "delay:ms=5,p=0.5", "delay:ms=80,n=2"),
+                         nameOfFault);
+
+TEST(EndToEnd, aSilentStationDelaysTheOthersByItsRetriesAlone)
+{
+    Plant plant(false, {1, 2, 3});
+    plant.controller.addFault("silence@2");
+    Panel panel(plant.address());
+    panel.polls({{"D", 0, 1, 1}, {"D", 0, 1, 2}, {"D", 0, 1, 3}});
+    ASSERT_TRUE(panel.runsUntil([&] { return panel.giveUpsOf[2] == 4; }));
+    EXPECT_GE(panel.readsOf[1], 4);
+    EXPECT_GE(panel.readsOf[3], 3);
+    EXPECT_EQ(panel.readsOf[2], 0);
+    EXPECT_EQ(plant.controller.counts().faults[static_cast<std::size_t>(vssim::FaultKind::silence)], 4U * 3);
+    plant.controller.clearFaults();
+    ASSERT_TRUE(panel.runsUntil([&] { return panel.readsOf[2] == 1; }));
+}
+
+TEST(EndToEnd, aCutLinkIsOpenedAgainAndNothingPostedIsLost)
+{
+    Plant plant(false, {1});
+    Panel panel(plant.address());
+    panel.polls({{"D", 0, 4}});
+    ASSERT_TRUE(panel.pollsAllAnew());
+    for (std::uintptr_t number = 1; number <= 5; ++number) {
+        plant.dropLink();
+        panel.writes({"D", static_cast<int>(number) - 1, 1}, words({static_cast<int>(number)}), number);
+        ASSERT_TRUE(panel.runsUntil([&] { return panel.writeEnds.count(number) != 0; }));
+        EXPECT_TRUE(panel.writeEnds[number]);
+        EXPECT_EQ(plant.controller.read(1, "D", static_cast<std::uint32_t>(number - 1)), number);
+    }
+    EXPECT_NE(panel.notices.back().find("connected again"), std::string::npos);
+}
+
+} // namespace
