@@ -17,4 +17,4 @@ if(TANEK_VS_QT EQUAL 6)
 else()
   set(TANEK_VS_DRIVER_STANDARD 11)
 endif()
-set(TANEK_VS_TOOLS_STANDARD 17)
+set(CMAKE_CXX_STANDARD 17) # tools, tests and benchmarks

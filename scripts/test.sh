@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Builds everything and passes all tests; installs what that needs.
+#
+#   scripts/test.sh [PRESET]    a preset of CMakePresets.json, ci by default
+set -euo pipefail
+cd "$(dirname "$0")/.."
+preset="${1:-ci}"
+
+scripts/install-dependencies.sh build test
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset"
+ctest --preset "$preset" --parallel "$(nproc)"
