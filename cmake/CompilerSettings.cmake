@@ -11,6 +11,11 @@ if(TANEK_VS_SANITIZE)
   add_link_options(-fsanitize=${TANEK_VS_SANITIZE})
 endif()
 
+if(TANEK_VS_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_link_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # The driver keeps to C++11, the language of the compilers on boards with the oldest Qt; Qt 6 headers need C++17.
 if(TANEK_VS_QT EQUAL 6)
   set(TANEK_VS_DRIVER_STANDARD 17)

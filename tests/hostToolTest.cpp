@@ -133,6 +133,7 @@ TEST(Config, IsRefusedWithThePlaceAndTheReason)
         {link + "[value]\nname = \"a\"\n",
          "f:3:1: configuration: 'value' must be a list of tables, each beginning with [[value]]"},
         {link + "[[recipe]]\nname = \"r\"\n", "f:3:1: recipe 'r': 'item' is missing"},
+        {link + "gr\u00F6\u00DFe = 1\n", "f:3:3: Error while parsing key-value pair: expected '=', saw '\u00F6'"},
     };
     for (const Row &row : rows) {
         EXPECT_EQ(complaintAbout(row.text), row.complaint) << row.text;

@@ -102,6 +102,7 @@ TANEK_VS_EXPORT int intf_getRegDiscription(const QString &regName, QStringList &
 /// Checks an address text and a host count, and turns the text into the address number.
 ///
 /// @param address receives the number as soon as the text has been read; it is valid only with result 0.
+/// @param count at least 1; smaller counts are not refused, and make addresses above the highest valid.
 /// @param wordAccess 0: the host wants bits; any other value: words.
 /// @return 0 valid; 1 bits wanted of a word kind or words of a bit kind; 2 out of range; 3 unknown kind; 4 the text
 ///         cannot be read in the kind's format.

@@ -271,7 +271,8 @@ Config loadConfig(const std::string &fileName)
 {
     std::ifstream file(fileName);
     std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) {
+    text << file.rdbuf();
+    if (!file.is_open() || text.bad()) {
         throw UsageError(fileName + ": the file cannot be read");
     }
     return parseConfig(text.str(), fileName);

@@ -2,7 +2,7 @@
 #ifndef VSHOST_TABLE_READER_H
 #define VSHOST_TABLE_READER_H
 
-#include <toml++/toml.h>
+#include "tomlReader.h"
 
 #include <set>
 #include <string>

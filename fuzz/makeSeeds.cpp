@@ -1,0 +1,83 @@
+/// Writes the inputs that the fuzzers start from, a folder for each target: the frames and texts of the tests.
+#include "model/protocol.h"
+#include "support/wire.h"
+#include "tanek_vs/requestFrames.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+namespace {
+
+const char *const KINDS[] = {"32C", "C",  "T",     "R",     "SD",     "D",         "X",      "Y",        "M",
+                             "S",   "SM", "D_bit", "R_bit", "T_Coil", "T_Contact", "C_Coil", "C_Contact"};
+
+class Folder {
+public:
+    explicit Folder(const std::filesystem::path &path) : m_path(path) { std::filesystem::create_directories(path); }
+
+    void add(const Bytes &bytes)
+    {
+        std::ofstream file(m_path / std::to_string(m_count++), std::ios::binary);
+        file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        if (!file)
+            throw std::runtime_error("cannot write to " + m_path.string());
+    }
+    void add(const std::string &text) { add(Bytes(text.begin(), text.end())); }
+
+private:
+    std::filesystem::path m_path;
+    int m_count = 0;
+};
+
+/// What the driver sends to read and to write a few units of every kind.
+std::vector<Bytes> requestsOfEveryKind()
+{
+    std::vector<Bytes> requests;
+    for (const char *kind : KINDS) {
+        VARIABLE wanted;
+        wanted.station = 1;
+        wanted.regName = QString::fromLatin1(kind);
+        wanted.address = wanted.regName.startsWith(QLatin1Char('S')) ? 9016 : 206;
+        wanted.count = 3;
+        wanted.data[0] = 0x10;
+        driver.frameQueue.clear();
+        getWriteFrame(wanted);
+        getReadFrame(QList<VARIABLE>() << wanted);
+        for (int i = 0; i < driver.frameQueue.size(); ++i) {
+            const FRAME_PRO &frame = driver.frameQueue.at(i);
+            requests.push_back(Bytes(frame.frame, frame.frame + frame.frameLength));
+        }
+    }
+    return requests;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 3) {
+        std::cerr << "usage: makeSeeds FOLDER EXAMPLE-CONFIGURATION\n";
+        return 2;
+    }
+    const std::filesystem::path top = argv[1];
+    Folder replies(top / "replies");
+    for (const Bytes &answer : {reply(words({0x1234, 0x1010})), reply({1}), acknowledgement(), refusal(3), Bytes()})
+        replies.add(answer);
+    Folder requests(top / "requests");
+    for (const Bytes &request : requestsOfEveryKind())
+        requests.add(request);
+    Folder texts(top / "texts");
+    for (const char *text : {"D100", "X377", "D_bit100.15", "SM9000", "1#0#0#3#16"})
+        texts.add(std::string(text));
+    Folder calls(top / "calls");
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        Bytes any;
+        for (unsigned i = 0; i < 60 * (seed + 1); ++i)
+            any.push_back(static_cast<unsigned char>((seed + 1) * (i + 7) * 2654435761U >> 24));
+        calls.add(any);
+    }
+    std::ifstream example(argv[2]);
+    Folder(top / "configuration").add(std::string(std::istreambuf_iterator<char>(example), {}));
+    return 0;
+}
