@@ -218,7 +218,7 @@ void Host::callsAnything()
 void Host::findsTheStateSound()
 {
     require(driver.writeQueue.size() <= MOST_QUEUED && driver.conditionReads.size() <= MOST_QUEUED, "queue limits");
-    require(driver.writesBeingMirrored == 0, "every write is mirrored");
+    require(driver.writesBeingMirrored.isEmpty(), "every write is mirrored");
     require(driver.dataAreaIndex.size() == driver.dataAreas.size(), "the index has every unit");
     require(driver.recipeBlocks.size() == driver.recipeBlockFirstItem.size(), "a first item for each recipe block");
     for (int i = 0; i < driver.readBlocks.size(); ++i)

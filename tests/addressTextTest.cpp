@@ -69,6 +69,15 @@ TEST(AddressText, isCheckedForAccessFormAndRange)
     }
 }
 
+TEST(AddressText, onlyReadOnlyKindsRefuseTheWritingModes)
+{
+    // Every kind of today's table can be written, so the rule is tested on its own.
+    for (int mode = -1; mode <= 3; ++mode) {
+        EXPECT_EQ(isWriteToReadOnly(qt("R"), mode), mode == 1 || mode == 2) << mode;
+        EXPECT_FALSE(isWriteToReadOnly(qt("RW"), mode) || isWriteToReadOnly(qt("W"), mode)) << mode;
+    }
+}
+
 TEST(AddressText, isCheckedForTheHostsDataType)
 {
     const CheckRow rows[] = {

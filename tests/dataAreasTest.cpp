@@ -45,6 +45,9 @@ TEST_F(DataAreasTest, areFoundWhenTheListWasChangedBehindTheIndex)
     EXPECT_EQ(indexOf("D", 3), 2);
     EXPECT_EQ(indexOf("D", 0), 4);
 
+    driver.dataAreas[4].address = 9; // the last, with as many entries and the same first one
+    EXPECT_EQ(indexOf("D", 9), 4);
+
     driver.dataAreas.clear();
     EXPECT_EQ(indexOf("D", 7), 0);
     _DATA_ other;

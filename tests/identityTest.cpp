@@ -62,6 +62,7 @@ TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest)
     receives({});
     driver.recipeIndex = 1;
     driver.lastTransactionFailed = 1;
+    intf_SetDriverPropertyPage(qt("1_1"));
 
     configures(3, 16);
 
@@ -71,6 +72,7 @@ TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest)
     EXPECT_EQ(sends(), "nothing");
     EXPECT_NE(driver.valueChangeCallback, nullptr);
     EXPECT_EQ(driver.recipeIndex, 1);
+    EXPECT_EQ(plain(driver.propertyPageText), "1_1");
     EXPECT_EQ(texts(driver.recipeBlocks), (std::vector<std::string>{"D 1 1 @1", "D 3 1 @1"}));
     EXPECT_EQ(driver.recipeItems.size() + driver.recipeBlockFirstItem.size(), 4);
     EXPECT_EQ(text(driver.lastConditionRead), "D 50 1 @1");
@@ -90,16 +92,22 @@ TEST_F(IdentityTest, worksWithoutTheHostsObjectsAndCallback)
 
 TEST_F(IdentityTest, nullArgumentsChangeNothing)
 {
+    polls({key("D", 0, 1)});
+    plansRecipe({recipeItem("D", 0, 1, 0), recipeItem("D", 5, 1, 1)});
+    const int units = static_cast<int>(driver.dataAreas.size());
     intf_getProtocolType(nullptr);
     EXPECT_EQ(intf_checkAddr(qt("D"), qt("1"), nullptr, 0, 1, 0), 0);
     EXPECT_EQ(intf_checkAddrValidity(qt("D"), qt("1"), nullptr, 1, 1), 0);
-    EXPECT_EQ(intf_addrMerge(nullptr), 0);
+    EXPECT_EQ(intf_addrMerge(nullptr), 1);
     EXPECT_EQ(intf_addConditionRead(nullptr, 0), 1);
-    EXPECT_EQ(intf_setRcpAddress(nullptr), 0);
+    EXPECT_EQ(intf_setRcpAddress(nullptr), 2);
     EXPECT_EQ(intf_getData(1, qt("D"), 0, 1, nullptr), 1);
     EXPECT_EQ(intf_setData(1, qt("D"), 0, 1, nullptr, 0), 1);
     EXPECT_EQ(intf_getSendFrame(nullptr), 0);
-    EXPECT_TRUE(driver.dataAreas.isEmpty() && driver.writeQueue.isEmpty() && driver.conditionReads.isEmpty());
+    EXPECT_EQ(unit("D", 0).monitorFlags, 1U);
+    EXPECT_EQ(driver.recipeBlocks.size(), 2);
+    EXPECT_EQ(driver.dataAreas.size(), units);
+    EXPECT_TRUE(driver.writeQueue.isEmpty() && driver.conditionReads.isEmpty());
 }
 
 } // namespace

@@ -75,6 +75,10 @@ TEST_F(PollPlanTest, joinsWhatOneRequestCanRead)
         {"nothing", 0, {}, {}},
         {"at the end of the numbers", 16, {key("D", 2147483647, 1), key("D", 0, 1)}, {"D 0 1 @1", "D 2147483647 1 @1"}},
         {"broadcast", 0, {key("D", 0, 1, 255)}, {"D 0 1 @255"}},
+        {"sorted across the end of the weights",
+         0,
+         {key("T", 0, 1, 3855), key("T", 1, 1, 3855), key("T", 5, 1, 3855)},
+         {"T 1 1 @3855", "T 5 1 @3855", "T 0 1 @3855"}},
     };
     for (const auto &row : rows)
         EXPECT_EQ(plan(row.mergeGap, row.keys), row.blocks) << row.what;
@@ -145,6 +149,9 @@ TEST_F(PollPlanTest, weightsAndJoinTest)
     for (const auto &row : rows)
         EXPECT_EQ(judgeAddrMerge(row.block, row.next, row.mode), row.result)
             << text(row.block) << ", " << text(row.next);
+    driver.mergeGap = -2;
+    EXPECT_EQ(judgeAddrMerge(key("D", 0, 10), key("D", 9, 1), 1), 1);
+    EXPECT_EQ(judgeAddrMerge(key("D", 0, 10), key("D", 8, 1), 1), 0);
 }
 
 /// The device units of a key as "station kind unit".
@@ -166,8 +173,9 @@ rc::Gen<KEY_ADDRESS> keys()
 {
     // Close together and often long, so that they overlap and are cut.
     return rc::gen::map(
-        rc::gen::tuple(rc::gen::element<std::string>("D", "D_bit", "32C", "M"), rc::gen::inRange(0, 90),
-                       rc::gen::oneOf(rc::gen::inRange(1, 8), rc::gen::inRange(1, 110)), rc::gen::inRange(1, 3)),
+        rc::gen::tuple(rc::gen::element<std::string>("D", "D_bit", "32C", "M", "T"), rc::gen::inRange(0, 90),
+                       rc::gen::oneOf(rc::gen::inRange(1, 8), rc::gen::inRange(1, 110)),
+                       rc::gen::element(1, 2, 3855)), // the weights of 3855 pass the end of their 32 bits
         [](const std::tuple<std::string, int, int, int> &fields) {
             return key(std::get<0>(fields), std::get<1>(fields), std::get<2>(fields), std::get<3>(fields));
         });

@@ -76,7 +76,11 @@ TEST_F(RecipesTest, arePlannedIntoBlocks)
          {recipeItem("D", 0, 40, 0), recipeItem("D", 10, 2, 40)},
          {"D 0 32 @1 from 0 item 0", "D 32 8 @1 from 32 item 0", "D 10 2 @1 from 40 item 1"}},
         {"unknown kind", {recipeItem("Q", 0, 1, 0)}, {"Q 0 1 @1 from 0 item 0"}},
-        {"longer than the kind", {recipeItem("D", 0, 2147483647, 0)}, {"D 0 -1 @1 from 0 item 0"}},
+        {"longer than the kind", {recipeItem("D", 0, 2147483647, 0)}, {"D 0 -2 @1 from 0 item 0"}},
+        {"counters longer than the kind", {recipeItem("32C", 200, 114, 0)}, {"32C 200 -1 @1 from 0 item 0"}},
+        {"a senseless count stays apart",
+         {recipeItem("D", 0, 5, 0), recipeItem("D", 3, -2, 5)},
+         {"D 0 5 @1 from 0 item 0", "D 3 -2 @1 from 5 item 1"}},
         {"none of this instance", {foreign}, {}},
     };
     for (const auto &row : rows) {
@@ -121,11 +125,13 @@ TEST_F(RecipesTest, uploadFillsTheBufferAndTheCache)
                  recipeItem("32C", 201, 2, 30)});
     polls({key("D", 12, 1)});
     asks(UPLOAD_BYTE);
+    whenReported = [this](const std::string &) { EXPECT_EQ(recipeBuffer[21], 0x0403) << "a value is filled whole"; };
     EXPECT_EQ(exchanges(reply(hex("01 02 03 04 05 06 07 08"))), "read 32C 200 2 @1");
     EXPECT_EQ(reports(), (Reports{"RWI 20 @-1 of 0", "RWI 21 @-1 of 0", "RWI 30 @-1 of 0", "RWI 31 @-1 of 0"}));
     whenReported = [this](const std::string &report) {
         if (report == "RWI 0 @-1 of 0") {
             EXPECT_EQ(recipeBuffer[0], 1) << "filled before it is reported";
+            EXPECT_EQ(recipeBuffer[1], 0) << "filled word by word";
         }
     };
     EXPECT_EQ(exchanges(reply(words({1, 2, 3, 4, 5}))), "read D 10 5 @1");
@@ -137,6 +143,31 @@ TEST_F(RecipesTest, uploadFillsTheBufferAndTheCache)
               (std::vector<int>{0x0201, 0x0403, 0x0605, 0x0807}));
     EXPECT_EQ(word(14), 5);
     EXPECT_FALSE(isAsked(UPLOAD_BYTE));
+    exchanges(reply(words({99})));
+    EXPECT_EQ(reports(), Reports{"D 12 @1"});
+    EXPECT_EQ(recipeBuffer[7], 3) << "a poll fills the cache alone";
+}
+
+TEST_F(RecipesTest, aLongItemOfCountersIsFilledFromItsFirst)
+{
+    plansRecipe({recipeItem("32C", 200, 80, 10)});
+    asks(UPLOAD_BYTE);
+    Bytes first(128, 0);
+    first[2] = 7;
+    EXPECT_EQ(exchanges(reply(first)), "read 32C 200 32 @1");
+    EXPECT_EQ(exchanges(reply(Bytes(32, 9))), "read 32C 232 8 @1");
+    EXPECT_EQ(reports(), (Reports{"RWI 10 @-1 of 0", "RWI 11 @-1 of 0"}));
+    EXPECT_EQ(recipeBuffer[10] + recipeBuffer[11], 7);
+    EXPECT_FALSE(isAsked(UPLOAD_BYTE));
+}
+
+TEST_F(RecipesTest, nothingIsFilledInFrontOfTheBuffer)
+{
+    plansRecipe({recipeItem("D", 10, 1, 0), recipeItem("D", 11, 2, -1), recipeItem("D", 13, 1, 5),
+                 recipeItem("32C", 200, 2, 8), recipeItem("32C", 201, 2, -1)});
+    asks(UPLOAD_BYTE);
+    exchangesWell(2);
+    EXPECT_EQ(reports(), (Reports{"RWI 8 @-1 of 0", "RWI 9 @-1 of 0", "RWI 0 @-1 of 0", "RWI 5 @-1 of 0"}));
 }
 
 TEST_F(RecipesTest, bitsAreReadIntoTheCacheAlone)
@@ -210,7 +241,7 @@ TEST_F(RecipesTest, aBlockThatCannotBeSentEndsTheTransfer)
 {
     polls({key("D", 50, 1)});
     for (const _RCP_VAR_PRO &item : {recipeItem("Q", 0, 1, 0), recipeItem("D", 0, 1, -1), recipeItem("D", 0, -1, 0),
-                                     recipeItem("D", 0, 10000, 0)}) {
+                                     recipeItem("D", 0, 10000, 0), recipeItem("32C", 200, 114, 0)}) {
         for (int requestByte : {DOWNLOAD_BYTE, UPLOAD_BYTE}) {
             SCOPED_TRACE(text(item));
             plansRecipe({item});
@@ -239,20 +270,33 @@ TEST_F(RecipesTest, aRequestWithNothingToTransferIsEndedAndTheCallGoesOn)
     asks(UPLOAD_BYTE);
     EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
     EXPECT_FALSE(isAsked(UPLOAD_BYTE));
-    controlBlock[DOWNLOAD_BYTE] = 2;
+    for (int requestByte : {DOWNLOAD_BYTE, UPLOAD_BYTE}) {
+        controlBlock[static_cast<std::size_t>(requestByte)] = 2;
+        EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
+        EXPECT_TRUE(isAsked(requestByte)) << "1 asks, nothing else";
+    }
+
+    driver.recipeBuffer = recipeBuffer.data();
+    driver.recipeIndex = 1; // left over from a longer plan
+    asks(UPLOAD_BYTE);
     EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
-    EXPECT_EQ(controlBlock[DOWNLOAD_BYTE], 2) << "1 asks, nothing else";
+    EXPECT_FALSE(isAsked(UPLOAD_BYTE));
+    EXPECT_EQ(driver.recipeIndex, 0);
 }
 
 TEST_F(RecipesTest, aPlanReplacedDuringAnUploadGetsNoForeignValues)
 {
-    plansRecipe({recipeItem("D", 0, 2, 0)});
-    asks(UPLOAD_BYTE);
-    sends();
-    plansRecipe({recipeItem("D", 7, 2, 0)});
-    receives(reply(words({5, 6})));
-    EXPECT_EQ(recipeBuffer[0] + recipeBuffer[1], 0);
-    EXPECT_EQ(word(1), 6);
+    for (const _RCP_VAR_PRO &item :
+         {recipeItem("D", 7, 2, 0), recipeItem("R", 0, 2, 0), recipeItem("D", 0, 1, 0), recipeItem("D", 0, 2, 0, 2)}) {
+        SCOPED_TRACE(text(item));
+        plansRecipe({recipeItem("D", 0, 2, 0)});
+        asks(UPLOAD_BYTE);
+        sends();
+        plansRecipe({item});
+        receives(reply(words({5, 6})));
+        EXPECT_EQ(recipeBuffer[0] + recipeBuffer[1], 0);
+        EXPECT_EQ(word(1), 6);
+    }
 }
 
 TEST_F(RecipesTest, requestsTakeTheirValuesFromTheBlocksPlace)

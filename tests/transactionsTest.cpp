@@ -1,5 +1,7 @@
 #include "support/driverTest.h"
 
+#include "serviceForProtocol/transactions/replyDecoding.h"
+
 namespace {
 
 using TransactionsTest = DriverTest;
@@ -165,6 +167,7 @@ TEST_F(TransactionsTest, aHostMayPostAWriteFromTheReportOfARead)
 {
     polls({key("D", 0, 2)});
     whenReported = [this](const std::string &report) {
+        EXPECT_EQ(word(0), 5) << "stored before it is reported";
         if (report == "D 0 @1")
             writes("D_bit", 16, 1, {1});
     };
@@ -173,6 +176,17 @@ TEST_F(TransactionsTest, aHostMayPostAWriteFromTheReportOfARead)
     EXPECT_EQ(reads("D", 0, 2), words({5, 1}));
     EXPECT_EQ(exchanges(acknowledgement()), "write D_bit 16 1 @1");
     EXPECT_EQ(reads("D", 0, 2), words({5, 9}));
+}
+
+TEST_F(TransactionsTest, aReplyWithTooFewBytesReadsAsZeros)
+{
+    driver.transactionKind = TransactionBlockRead;
+    unit("D", 1).readValue[0] = 7;
+    unit("M", 8).readValue[0] = 1;
+    analyzeFrameOfVal(arrayOf(hex("10 02 01 05 00 00 34 12")), 2, 6, request("D", 0, 2));
+    EXPECT_EQ(reads("D", 0, 2), words({0x1234, 0}));
+    analyzeFrameOfVal(arrayOf(hex("10 02 01 03 00 00 01")), 9, 6, request("M", 0, 9));
+    EXPECT_EQ(reads("M", 0, 9), (Bytes{1, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 } // namespace

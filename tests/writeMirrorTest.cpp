@@ -211,25 +211,77 @@ TEST_F(WriteMirrorTest, aReadEndsAPendingWriteUnlessBitsOfItAreOutstanding)
     for (const auto &row : rows) {
         SCOPED_TRACE(row.what);
         configures(3, 16);
-        polls({key("D", 0, 1)});
+        polls({key("D", 0, 1), key("D_bit", 0, 16)});
         sends();
         unit("D", 0).writePending = 1;
+        unit("D", 0).writeValue[0] = 9;
         unit("D", 0).pendingBitWrites = row.pendingBits;
         if (row.queued)
             driver.writeQueue.append(request("D", 50, 1));
         receives(reply(words({row.read})));
         EXPECT_EQ(unit("D", 0).writePending, row.stillPending ? 1 : 0);
-        EXPECT_EQ(reports(), row.read ? Reports{"D 0 @1"} : Reports{});
+        EXPECT_EQ(word(0), row.stillPending ? 9 : row.read);
+        // What changed is what was read, whatever is shown.
+        EXPECT_EQ(reports(), row.read ? (Reports{"D_bit 0 @1", "D 0 @1"}) : Reports{});
     }
-    polls({key("M", 0, 1)});
-    driver.frameQueue.clear();
-    driver.writeQueue.clear();
-    sends();
-    unit("M", 0).writePending = 1;
-    unit("M", 0).pendingBitWrites = 1;
-    driver.writeQueue.append(request("D", 50, 1));
-    receives(reply({1}));
-    EXPECT_EQ(unit("M", 0).writePending, 0);
+    for (const unsigned char read : Bytes{0, 1}) {
+        configures(3, 16);
+        polls({key("M", 0, 1)});
+        sends();
+        unit("M", 0).writePending = 1;
+        unit("M", 0).writeValue[0] = 1;
+        unit("M", 0).pendingBitWrites = 1;
+        driver.writeQueue.append(request("D", 50, 1));
+        receives(reply({read}));
+        EXPECT_EQ(unit("M", 0).writePending, read == 0 ? 1 : 0);
+        EXPECT_EQ(reads("M", 0, 1), Bytes{1});
+        EXPECT_EQ(reports(), read == 0 ? Reports{} : Reports{"M 0 @1"});
+    }
+}
+
+TEST_F(WriteMirrorTest, theHighUnitOfAValueIsThereBeforeTheLowOneIsReported)
+{
+    const ValueShape shape = valueShape(32, 16, qt("K"));
+    flagUnits(shape, 1, 10, 2);
+    std::vector<int> seen;
+    whenReported = [&](const std::string &) {
+        seen.push_back(unit("K", 10).writeValue[0]);
+        seen.push_back(unit("K", 11).writeValue[0]);
+    };
+    const Bytes values = words({1, 2});
+    mirrorUnits(shape, 1, qt("K"), 10, 2, values.data());
+    EXPECT_EQ(seen, (std::vector<int>{0, 2, 1, 2}));
+}
+
+TEST_F(WriteMirrorTest, aGivenUpWordTellsItsChangedBitsAndAGivenUpCounterAllOfThem)
+{
+    configures(1, 16);
+    polls({key("D", 100, 1), key("D_bit", 1600, 4), key("32C", 200, 2)});
+    unit("32C", 200).monitorBits = 0x80000001;
+    writes("D", 100, 1, words({1}));
+    writes("32C", 200, 2, hex("00 00 00 80"));
+    EXPECT_EQ(reports(), (Reports{"D_bit 1600 @1", "D 100 @1", "32C_bit 6431 @1", "32C 200 @1"}));
+    exchanges({});
+    EXPECT_EQ(reports(), (Reports{"D_bit 1600 @1", "D 100 @1"}));
+    exchanges({});
+    EXPECT_EQ(reports(), (Reports{"32C_bit 6400 @1", "32C_bit 6431 @1", "32C 200 @1"}));
+}
+
+TEST_F(WriteMirrorTest, aWriteIsSettledBeforeItLeavesTheQueue)
+{
+    configures(1, 16);
+    polls({key("D_bit", 1603, 1)});
+    for (const Bytes &answer : {acknowledgement(), Bytes()}) {
+        writes("D_bit", 1603, 1, {1});
+        sends();
+        reports();
+        int queued = 0;
+        whenReported = [&](const std::string &) { queued = static_cast<int>(driver.writeQueue.size()); };
+        receives(answer);
+        EXPECT_EQ(reports(), Reports{"D_bit 1603 @1"});
+        EXPECT_EQ(queued, 1);
+        whenReported = nullptr;
+    }
 }
 
 TEST_F(WriteMirrorTest, callbacksSeeTheNewContentsAndMayWrite)
@@ -238,6 +290,7 @@ TEST_F(WriteMirrorTest, callbacksSeeTheNewContentsAndMayWrite)
     polls({key("D", 100, 2), key("D_bit", 1600, 16)});
     whenReported = [&](const std::string &report) {
         seen.push_back(word(100));
+        EXPECT_NE(unit("D", 100).pendingBitWrites, 0U) << "counted before it is reported";
         if (report == "D_bit 1601 @1")
             writes("D", 101, 1, words({7}));
     };
@@ -245,17 +298,19 @@ TEST_F(WriteMirrorTest, callbacksSeeTheNewContentsAndMayWrite)
     EXPECT_EQ(seen, (std::vector<int>{1, 1, 3, 3, 3}));
     EXPECT_EQ(reports(), (Reports{"D_bit 1600 @1", "D 100 @1", "D_bit 1601 @1", "D 101 @1", "D 100 @1"}));
     EXPECT_EQ(texts(driver.writeQueue), (std::vector<std::string>{"D_bit 1600 2 @1", "D 101 1 @1"}));
-    EXPECT_EQ(driver.writesBeingMirrored, 0);
+    EXPECT_TRUE(driver.writesBeingMirrored.isEmpty());
 }
 
 TEST_F(WriteMirrorTest, aBitIsReportedUnderTheHostsNameEvenWhenNotPolled)
 {
+    std::vector<int> seen;
+    whenReported = [&](const std::string &) { seen.push_back(reads("X", 10, 1).front()); };
     writes("X", 10, 1, {1});
     EXPECT_EQ(reports(), Reports{"X 10 @1"});
     for (int i = 0; i < 3; ++i)
         exchanges({});
     EXPECT_EQ(reports(), Reports{"X 10 @1"});
-    EXPECT_EQ(reads("X", 10, 1), Bytes{0});
+    EXPECT_EQ(seen, (std::vector<int>{1, 0}));
 }
 
 TEST_F(WriteMirrorTest, aNewPollListForgetsOutstandingBitsButNotTheWrite)

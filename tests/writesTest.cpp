@@ -95,14 +95,23 @@ TEST_F(WritesTest, toTheCacheAloneQueueNothing)
     EXPECT_EQ(sends(), "read D 0 1 @1");
 }
 
-TEST_F(WritesTest, areNotSentBeforeTheyAreMirrored)
+TEST_F(WritesTest, areNotSentBeforeTheyAreMirroredAndHoldUpNoOthers)
 {
+    configures(3, 1);
     polls({key("D", 0, 1)});
-    writes("D", 0, 1, words({1}));
-    driver.writesBeingMirrored = 1;
-    EXPECT_EQ(exchanges(reply(words({0}))), "read D 0 1 @1");
-    driver.writesBeingMirrored = 0;
-    EXPECT_EQ(sends(), "write D 0 1 @1");
+    writes("D", 50, 1, words({5}));
+    // What the communication thread may do while another thread's write of three pieces is being mirrored.
+    whenReported = [this](const std::string &) {
+        whenReported = nullptr;
+        EXPECT_EQ(exchanges(acknowledgement()), "write D 50 1 @1");
+        EXPECT_EQ(exchanges(reply(words({0}))), "read D 0 1 @1");
+        EXPECT_EQ(word(0), 1) << "still outstanding";
+    };
+    writes("D", 0, 3, words({1, 2, 3}));
+    EXPECT_EQ(whenReported, nullptr);
+    EXPECT_EQ(exchangesWell(3), (std::vector<std::string>{"write D 0 1 @1", "write D 1 1 @1", "write D 2 1 @1"}));
+    for (int address = 0; address < 3; ++address)
+        EXPECT_EQ(unit("D", address).writePending, 0);
 }
 
 RC_GTEST_FIXTURE_PROP(WritesTest, cutWriteCarriesEveryValueOnce, ())

@@ -85,10 +85,13 @@ public:
     QMutex dataAreaMutex;
     /// Where in `dataAreas` a unit is.
     QHash<DataAreaKey, int> dataAreaIndex;
-    /// Posted writes that stand in `writeQueue` but not yet, in full, in the cache. Guarded by `mutex`. The
-    /// communication thread sends no write meanwhile: settled before it is mirrored, a write would stay outstanding
-    /// in the cache for good.
-    int writesBeingMirrored = 0;
+    /// Requests that have left `writeQueue`, and so the number of its head: each request has the number of its place
+    /// in the order of all. Guarded by `mutex`.
+    quint32 finishedWrites = 0;
+    /// Numbers of the requests that stand in `writeQueue` but not yet, in full, in the cache. Guarded by `mutex`. The
+    /// communication thread does not send them: settled before it is mirrored, a write would stay outstanding in the
+    /// cache for good.
+    QList<quint32> writesBeingMirrored;
 };
 
 extern Protocol driver;

@@ -41,16 +41,17 @@ bool isSameRequest(const VARIABLE &left, const VARIABLE &right)
            left.regName == right.regName;
 }
 
-void queueRequest(QList<VARIABLE> &queue, const VARIABLE &request)
+int queueRequest(QList<VARIABLE> &queue, const VARIABLE &request)
 {
-    for (int i = static_cast<int>(queue.size()) - 1; i >= 1; --i) {
-        if (isSameRequest(queue.at(i), request)) {
-            queue[i] = request;
-            return;
-        }
-    }
-    if (queue.size() > LAST_QUEUE_INDEX)
-        queue[LAST_QUEUE_INDEX] = request;
+    const int size = static_cast<int>(queue.size());
+    int index = size - 1;
+    while (index >= 1 && !isSameRequest(queue.at(index), request))
+        --index;
+    if (index < 1)
+        index = std::min(size, LAST_QUEUE_INDEX);
+    if (index < size)
+        queue[index] = request;
     else
         queue.append(request);
+    return index;
 }

@@ -6,7 +6,6 @@
 #include "tanek_vs/records.h"
 
 #include <QtCore/QList>
-#include <QtCore/QString>
 
 /// The longest piece in bits or words, from the configuration; a configured limit below 1 counts as 256 or 32.
 int bitsPerPiece();
@@ -23,6 +22,7 @@ bool isSameRequest(const VARIABLE &left, const VARIABLE &right);
 
 /// Puts a request in a queue. One for the same place that is waiting behind the head is replaced where it stands; the
 /// head, perhaps in flight, never is. A queue of more than 512 requests has its entry 512 replaced.
-void queueRequest(QList<VARIABLE> &queue, const VARIABLE &request);
+/// @return the request's index in the queue.
+int queueRequest(QList<VARIABLE> &queue, const VARIABLE &request);
 
 #endif

@@ -109,13 +109,19 @@ int countQueued(const VARIABLE &request)
     return count;
 }
 
-/// A second write of the same bit counts only when the very same request waits behind the first.
-void countSecondWrite(const ValueShape &shape, const VARIABLE &request, int bitAddress, int index)
+/// A second write of the same bit counts only when the very same request waits behind the first. The first may have
+/// been settled while the queue was looked at; then this one is the first.
+void countFurtherWrite(const ValueShape &shape, const VARIABLE &request, int bitAddress, int index)
 {
-    if (countQueued(request) != 2)
-        return;
+    const bool waitsBehindFirst = countQueued(request) == 2;
+    const int bit = placeOfBit(shape, bitAddress).bit;
     const QMutexLocker lock(&driver.dataAreaMutex);
-    setPendingBit(driver.dataAreas[index], secondPendingBit(placeOfBit(shape, bitAddress).bit), true);
+    _DATA_ &area = driver.dataAreas[index];
+    area.writePending = 1;
+    if (!isPendingBit(area, firstPendingBit(bit)))
+        setPendingBit(area, firstPendingBit(bit), true);
+    else if (waitsBehindFirst)
+        setPendingBit(area, secondPendingBit(bit), true);
 }
 
 void mirrorBits(const ValueShape &shape, const VARIABLE &request, const quint8 *values)
@@ -125,7 +131,7 @@ void mirrorBits(const ValueShape &shape, const VARIABLE &request, const quint8 *
         bool isFirstPending = true;
         const UnitChange change = mirrorBit(shape, request.station, bitAddress, values[i] == 1, isFirstPending);
         if (shape.bitsPerUnit == 16 && !isFirstPending)
-            countSecondWrite(shape, request, bitAddress, change.index);
+            countFurtherWrite(shape, request, bitAddress, change.index);
         if (change.isVisible())
             unitDataChange(shape, &change.before, &change.after, change.index);
     }

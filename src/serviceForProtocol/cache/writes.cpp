@@ -1,7 +1,7 @@
 #include "serviceForProtocol/cache/writes.h"
 
+#include "model/deviceUnits.h"
 #include "model/protocol.h"
-#include "model/wrappingInt.h"
 #include "serviceForProtocol/cache/requestQueue.h"
 #include "serviceForProtocol/cache/writeMirror.h"
 #include "serviceForProtocol/identity/addressText.h"
@@ -14,31 +14,14 @@
 
 namespace {
 
-const int WORD_WIDTH = 16;
 const int BYTES_PER_BIT = 1;
 const int BYTES_PER_WORD = 2;
-
-/// While it lives, the communication thread leaves the write queue alone.
-class MirroringInProgress {
-public:
-    MirroringInProgress() { change(1); }
-    ~MirroringInProgress() { change(-1); }
-    MirroringInProgress(const MirroringInProgress &) = delete;
-    MirroringInProgress &operator=(const MirroringInProgress &) = delete;
-
-private:
-    static void change(int by)
-    {
-        const QMutexLocker lock(&driver.mutex);
-        driver.writesBeingMirrored += by;
-    }
-};
 
 void appendPieces(const KEY_ADDRESS &record, int longest, int bytesPerUnit, QList<KEY_ADDRESS> &pieces)
 {
     const int number = longest < 1 ? 1 : pieceCount(record.count, longest);
     for (int i = 0; i < number; ++i)
-        pieces.append(number == 1 ? record : pieceOf(record, longest, i, bytesPerUnit));
+        pieces.append(longest < 1 ? record : pieceOf(record, longest, i, bytesPerUnit));
 }
 
 QList<KEY_ADDRESS> piecesOf(const KEY_ADDRESS &record, bool bits)
@@ -75,7 +58,7 @@ QList<VARIABLE> requestsOf(const KEY_ADDRESS &record, int valueWidth, int unitWi
         VARIABLE request = requestOf(pieces.at(i), hostContext);
         if (!bits) {
             request.address = wrappingDifference(request.address, shift);
-            request.count = request.count * WORD_WIDTH / unitWidth;
+            request.count = unitsOfWords(request.count, unitWidth);
             shift += pieces.at(i).count - request.count;
         }
         requests.append(request);
@@ -83,12 +66,32 @@ QList<VARIABLE> requestsOf(const KEY_ADDRESS &record, int valueWidth, int unitWi
     return requests;
 }
 
-void queueWrites(const QList<VARIABLE> &requests)
-{
-    const QMutexLocker lock(&driver.mutex);
-    for (int i = 0; i < requests.size(); ++i)
-        queueRequest(driver.writeQueue, requests.at(i));
-}
+/// Requests in the queue; while it lives, the communication thread does not send them.
+class QueuedWrites {
+public:
+    explicit QueuedWrites(const QList<VARIABLE> &requests)
+    {
+        const QMutexLocker lock(&driver.mutex);
+        for (int i = 0; i < requests.size(); ++i) {
+            const int index = queueRequest(driver.writeQueue, requests.at(i));
+            m_numbers.append(driver.finishedWrites + static_cast<quint32>(index));
+        }
+        driver.writesBeingMirrored += m_numbers;
+    }
+
+    ~QueuedWrites()
+    {
+        const QMutexLocker lock(&driver.mutex);
+        for (int i = 0; i < m_numbers.size(); ++i)
+            driver.writesBeingMirrored.removeOne(m_numbers.at(i));
+    }
+
+    QueuedWrites(const QueuedWrites &) = delete;
+    QueuedWrites &operator=(const QueuedWrites &) = delete;
+
+private:
+    QList<quint32> m_numbers;
+};
 
 } // namespace
 
@@ -119,8 +122,7 @@ int intf_setData(int station, const QString &regName, int address, int count, co
     record.count = count;
     std::memcpy(record.data, values, static_cast<std::size_t>(bytes));
 
-    const MirroringInProgress mirroring;
-    queueWrites(requestsOf(record, valueWidth, unitWidthOf(kind), hostContext));
+    const QueuedWrites queued(requestsOf(record, valueWidth, unitWidthOf(kind), hostContext));
     write_saveDataToArea(station, regName, address, count, values);
     return 1;
 }

@@ -1,5 +1,6 @@
 #include "serviceForProtocol/identity/addressText.h"
 
+#include "model/deviceUnits.h"
 #include "model/registerTable.h"
 #include "tanek_vs/bitAddress.h"
 #include "tanek_vs/driver.h"
@@ -24,7 +25,6 @@ enum AddressCheck {
 const int DATA_TYPE_BIT = -1;
 const int DATA_TYPES_OF_32_BIT_KINDS[] = {1, 3, 5, 6, 9};
 const int WRITING_MODES[] = {1, 2};
-const int WORD_WIDTH = 16;
 
 template <std::size_t size> bool contains(const int (&numbers)[size], int number)
 {
@@ -71,7 +71,25 @@ AddressCheck checkText(int kind, const QString &addressText, int *address, int c
     return AddressValid;
 }
 
+/// The checks that the kind alone decides.
+AddressCheck checkAccess(int kind, int dataType, int accessMode)
+{
+    const bool bitAccess = dataType == DATA_TYPE_BIT;
+    if (bitAccess != (valueWidthOf(kind) == 1))
+        return AddressAccessMismatch;
+    if (isWriteToReadOnly(ADDRESS_RANGE_PRO.at(kind).access, accessMode))
+        return AddressReadOnly;
+    if (valueWidthOf(kind) == 32 && !contains(DATA_TYPES_OF_32_BIT_KINDS, dataType))
+        return AddressTypeMismatch;
+    return AddressValid;
+}
+
 } // namespace
+
+bool isWriteToReadOnly(const QString &access, int accessMode)
+{
+    return access == QString::fromLatin1("R") && contains(WRITING_MODES, accessMode);
+}
 
 bool isMixedFormat(const QString &addrFormat)
 {
@@ -133,12 +151,8 @@ int intf_checkAddr(const QString &regName, const QString &addressText, int *addr
     const int kind = getIndexFromRegName(regName);
     if (kind < 0)
         return AddressKindUnknown;
-    const bool bitAccess = dataType == DATA_TYPE_BIT;
-    if (bitAccess != (valueWidthOf(kind) == 1))
-        return AddressAccessMismatch;
-    if (ADDRESS_RANGE_PRO.at(kind).access == QString::fromLatin1("R") && contains(WRITING_MODES, accessMode))
-        return AddressReadOnly;
-    if (valueWidthOf(kind) == 32 && !contains(DATA_TYPES_OF_32_BIT_KINDS, dataType))
-        return AddressTypeMismatch;
-    return checkText(kind, addressText, address ? address : &unwanted, count, bitAccess);
+    const AddressCheck access = checkAccess(kind, dataType, accessMode);
+    if (access != AddressValid)
+        return access;
+    return checkText(kind, addressText, address ? address : &unwanted, count, dataType == DATA_TYPE_BIT);
 }

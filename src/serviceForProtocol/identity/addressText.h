@@ -13,6 +13,9 @@ bool isMixedFormat(const QString &addrFormat);
 /// @return 1, or -1 when the text cannot be read.
 int a2i(const QString &addressText, int &address, const QString &addrFormat, const QString &regName);
 
+/// Whether that access mode of the host's writes to a kind with that `access` in the register table.
+bool isWriteToReadOnly(const QString &access, int accessMode);
+
 /// Does this run, its count in host terms, make sense for a call that works on the controller's memory? It does when
 /// the kind is known, the count is at least 1 and no more than the kind holds, and every address number from the
 /// first to the last is an int that is not negative. Addresses above the kind's highest pass.

@@ -1,6 +1,6 @@
 /// One-time reads: queueing them. Their end is part of the end of a transaction.
+#include "model/deviceUnits.h"
 #include "model/protocol.h"
-#include "model/wrappingInt.h"
 #include "serviceForProtocol/cache/requestQueue.h"
 #include "serviceForProtocol/identity/addressText.h"
 #include "tanek_vs/driver.h"
@@ -9,7 +9,6 @@
 namespace {
 
 const int UNIT_CODE_BITS = -1;
-const int WORD_WIDTH = 16;
 
 VARIABLE conditionRead(const KEY_ADDRESS &piece, int unitWidth, std::uintptr_t hostContext)
 {
@@ -25,7 +24,7 @@ VARIABLE conditionRead(const KEY_ADDRESS &piece, int unitWidth, std::uintptr_t h
     } else {
         request.regName = piece.regName;
         request.address = piece.address;
-        request.count = wrap(static_cast<qint64>(piece.count) * WORD_WIDTH / unitWidth);
+        request.count = unitsOfWords(piece.count, unitWidth);
     }
     return request;
 }

@@ -1,8 +1,8 @@
 #include "serviceForProtocol/planning/pollPlan.h"
 
+#include "model/deviceUnits.h"
 #include "model/protocol.h"
 #include "model/registerTable.h"
-#include "model/wrappingInt.h"
 #include "serviceForProtocol/cache/dataAreas.h"
 #include "serviceForProtocol/identity/addressText.h"
 #include "tanek_vs/joinTest.h"
@@ -14,14 +14,11 @@
 
 namespace {
 
-const int WORD_WIDTH = 16;
 const quint32 WEIGHT_OF_KIND = 65535;
 /// What poll blocks carry in place of a host's value.
 const std::uintptr_t POLL_CONTEXT = 4;
 
 enum JoinMode { JoinTouching = 0, JoinAcrossGap = 1 };
-
-int unitsOfWords(int words, int unitWidth) { return wrap(static_cast<qint64>(words) * WORD_WIDTH / unitWidth); }
 
 void convertPollKey(KEY_ADDRESS &key)
 {
@@ -61,20 +58,26 @@ void sortByWeight(QList<KEY_ADDRESS> &keys)
     keys = sorted;
 }
 
-/// Lengthens the block to the end of the key, if it stays within the limit. A block's start never moves: what a key
-/// has before it was covered by the pieces that the block's own key was cut into.
-bool lengthen(KEY_ADDRESS &block, const KEY_ADDRESS &key)
+/// A block of the plan, in the making.
+struct Block {
+    KEY_ADDRESS run;
+    /// Every unit from here to the run's start is read by blocks before this one.
+    int coveredFrom;
+    /// Index of the key that it begins with.
+    int firstKey;
+};
+
+/// Makes the key part of the block, if it touches it or lies within the gap of the mode, and the block stays within
+/// the limit. A block's start never moves: a key that starts before it may join only if what it has there is covered.
+bool join(Block &block, const KEY_ADDRESS &key, JoinMode mode)
 {
-    const int span = wrappingDifference(wrappingSum(key.address, key.count), block.address);
+    if (key.address < block.coveredFrom || key.count < 0 || judgeAddrMerge(block.run, key, mode) != 0)
+        return false;
+    const int span = wrappingDifference(wrappingSum(key.address, key.count), block.run.address);
     if (span > BLOCK_LIMIT)
         return false;
-    block.count = std::max(block.count, span);
+    block.run.count = std::max(block.run.count, span);
     return true;
-}
-
-bool join(KEY_ADDRESS &block, const KEY_ADDRESS &key, JoinMode mode)
-{
-    return judgeAddrMerge(block, key, mode) == 0 && lengthen(block, key);
 }
 
 /// The first pass: keys that touch or overlap become one block, long ones are cut.
@@ -86,73 +89,62 @@ public:
     {
         if (m_hasBlock) {
             cutLongBlock();
-            if (mayJoin(key) && join(m_block, key, JoinTouching))
+            if (join(m_block, key, JoinTouching))
                 return;
-            finishBlock();
+            m_blocks.append(m_block);
         }
-        m_block = key;
-        m_firstKey = index;
+        m_block.run = key;
+        m_block.coveredFrom = key.address;
+        m_block.firstKey = index;
         m_hasBlock = true;
     }
 
-    QList<KEY_ADDRESS> finish()
+    QList<Block> finish()
     {
         cutLongBlock();
-        finishBlock();
+        m_blocks.append(m_block);
         return m_blocks;
     }
 
 private:
-    /// A recipe's block takes its values from one run of the buffer, so nothing can join it from before its start;
-    /// and a key whose count makes no sense must not pass as part of a good block.
-    bool mayJoin(const KEY_ADDRESS &key) const
-    {
-        return !m_forRecipe || (key.address >= m_block.address && key.count >= 0);
-    }
-
     void cutLongBlock()
     {
-        while (m_block.count > BLOCK_LIMIT) {
-            const int rest = m_block.count - BLOCK_LIMIT;
-            m_block.count = BLOCK_LIMIT;
-            finishBlock();
-            m_block.address = wrappingSum(m_block.address, BLOCK_LIMIT);
-            m_block.count = rest;
-            if (m_forRecipe)
-                m_block.bufferOffset = wrappingSum(m_block.bufferOffset, bufferWordsOfFullBlock());
+        KEY_ADDRESS &run = m_block.run;
+        while (run.count > BLOCK_LIMIT) {
+            const int rest = run.count - BLOCK_LIMIT;
+            run.count = BLOCK_LIMIT;
+            m_blocks.append(m_block);
+            run.address = wrappingSum(run.address, BLOCK_LIMIT);
+            run.count = rest;
+            if (m_forRecipe) {
+                run.bufferOffset = wrappingSum(run.bufferOffset, bufferWordsOfFullBlock());
+                m_block.coveredFrom = run.address; // a recipe's block takes its values from one run of the buffer
+            }
         }
     }
 
     /// Bits have no place of their own in the buffer.
     int bufferWordsOfFullBlock() const
     {
-        const int kind = getIndexFromRegName(m_block.regName);
+        const int kind = getIndexFromRegName(m_block.run.regName);
         if (kind < 0 || valueWidthOf(kind) == 1)
             return 0;
         return BLOCK_LIMIT * unitWidthOf(kind) / WORD_WIDTH;
     }
 
-    void finishBlock()
-    {
-        m_blocks.append(m_block);
-        if (m_forRecipe)
-            driver.recipeBlockFirstItem.append(m_firstKey);
-    }
-
     bool m_forRecipe;
     bool m_hasBlock = false;
-    KEY_ADDRESS m_block;
-    int m_firstKey = 0;
-    QList<KEY_ADDRESS> m_blocks;
+    Block m_block = {};
+    QList<Block> m_blocks;
 };
 
 /// The second pass: blocks close to each other become one that covers the gap too.
-QList<KEY_ADDRESS> bridgeGaps(const QList<KEY_ADDRESS> &blocks)
+QList<Block> bridgeGaps(const QList<Block> &blocks)
 {
-    QList<KEY_ADDRESS> bridged;
-    KEY_ADDRESS block = blocks.at(0);
+    QList<Block> bridged;
+    Block block = blocks.at(0);
     for (int i = 1; i < blocks.size(); ++i) {
-        if (join(block, blocks.at(i), JoinAcrossGap))
+        if (join(block, blocks.at(i).run, JoinAcrossGap))
             continue;
         bridged.append(block);
         block = blocks.at(i);
@@ -195,15 +187,22 @@ void addrMerge(QList<KEY_ADDRESS> &keys, int mode)
     BlockBuilder builder(forRecipe);
     for (int i = 0; i < keys.size(); ++i)
         builder.add(keys.at(i), i);
-    const QList<KEY_ADDRESS> blocks = builder.finish();
-    keys = forRecipe ? blocks : bridgeGaps(blocks);
+    const QList<Block> blocks = forRecipe ? builder.finish() : bridgeGaps(builder.finish());
+    keys.clear();
+    for (int i = 0; i < blocks.size(); ++i) {
+        keys.append(blocks.at(i).run);
+        if (forRecipe)
+            driver.recipeBlockFirstItem.append(blocks.at(i).firstKey);
+    }
 }
 
 int intf_addrMerge(const QList<KEY_ADDRESS> *keys)
 {
+    if (!keys)
+        return static_cast<int>(driver.readBlocks.size());
     clearMonitorFlags();
     QList<KEY_ADDRESS> blocks;
-    for (int i = 0; keys && i < keys->size(); ++i) {
+    for (int i = 0; i < keys->size(); ++i) {
         const KEY_ADDRESS &key = keys->at(i);
         _setDataAreaMonitorFlag(key.station, key.regName, key.address, key.count);
         if (isSensibleRun(key.regName, key.address, key.count))

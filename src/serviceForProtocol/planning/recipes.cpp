@@ -13,8 +13,8 @@
 
 namespace {
 
-/// The count that no request can be built for.
-const int COUNT_OF_NO_REQUEST = -1;
+/// A count that no request can be built for: negative in device units too, two words of a 32-bit kind being one.
+const int COUNT_OF_NO_REQUEST = -2;
 
 QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items)
 {
@@ -66,7 +66,9 @@ _RCP_VAR_PRO blockOf(const KEY_ADDRESS &key)
 
 int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items)
 {
-    driver.recipeItems = items ? itemsOfThisInstance(*items) : QVector<_RCP_VAR_PRO>();
+    if (!items)
+        return static_cast<int>(driver.recipeItems.size());
+    driver.recipeItems = itemsOfThisInstance(*items);
     driver.recipeBlocks.clear();
     driver.recipeBlockFirstItem.clear();
     QList<KEY_ADDRESS> keys;

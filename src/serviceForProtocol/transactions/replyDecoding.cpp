@@ -11,6 +11,7 @@
 #include "model/wrappingInt.h"
 #include "serviceForProtocol/cache/changeReports.h"
 #include "serviceForProtocol/cache/dataAreas.h"
+#include "tanek_vs/bitAddress.h"
 #include "tanek_vs/registerNames.h"
 #include "tanek_vs/replyCheck.h"
 
@@ -22,7 +23,6 @@
 namespace {
 
 const int ERROR_REPLY_SIZE = 10;
-const int BITS_PER_WORD = 16;
 
 /// What the callback is told for a word of the recipe buffer that an upload has filled.
 const int UPLOAD_INSTANCE = 0;
@@ -33,12 +33,11 @@ quint8 byteAt(const QByteArray &reply, qint64 position)
     return position >= 0 && position < reply.size() ? static_cast<quint8>(reply.at(static_cast<int>(position))) : 0;
 }
 
-QString addressInWords(const VARIABLE &request)
+QString addressText(const VARIABLE &request)
 {
-    if (!request.regName.endsWith(QString::fromLatin1("_bit")))
-        return request.regName + QString::number(request.address);
-    return request.regName + QString::number(request.address / BITS_PER_WORD) + QLatin1Char('.') +
-           QString::number(request.address % BITS_PER_WORD);
+    if (request.regName.endsWith(QString::fromLatin1("_bit")))
+        return addr_int2str(request.address, request.regName);
+    return QString::number(request.address);
 }
 
 void storeBit(const VARIABLE &request, int unit, quint8 bit)
@@ -66,19 +65,27 @@ bool isWriteQueueEmpty()
 /// what was written.
 void storeUnit(const ValueShape &shape, int station, int unit, const quint8 *bytes)
 {
-    const bool noWritesQueued = isWriteQueueEmpty();
+    const int after = unitContents(shape, bytes);
     int index = 0;
     int before = 0;
-    const int after = unitContents(shape, bytes);
+    bool hasPendingBits = false;
     {
         const QMutexLocker lock(&driver.dataAreaMutex);
         index = getIndexOfDataArea(station, shape.keyName, unit, driver.dataAreas);
-        _DATA_ &area = driver.dataAreas[index];
+        const _DATA_ &area = driver.dataAreas.at(index);
         before = unitContents(shape, area.readValue);
-        if (before == after)
-            return;
+        hasPendingBits = area.pendingBitWrites != 0;
+    }
+    if (before == after)
+        return;
+    // The queue is looked at after the unit: a write stands in the queue before its bits are counted as pending, so
+    // bits that have become pending since are those of a write that has just been posted.
+    const bool pendingBitsAreLeftOver = hasPendingBits && isWriteQueueEmpty();
+    {
+        const QMutexLocker lock(&driver.dataAreaMutex);
+        _DATA_ &area = driver.dataAreas[index];
         std::memcpy(area.readValue, bytes, static_cast<std::size_t>(shape.bytesPerUnit));
-        if (area.pendingBitWrites == 0 || noWritesQueued)
+        if (area.pendingBitWrites == 0 || pendingBitsAreLeftOver)
             area.writePending = 0;
     }
     unitDataChange(shape, &before, &after, index);
@@ -187,8 +194,8 @@ QString getErrorInfo(const QByteArray &reply)
     if (driver.frameQueue.isEmpty())
         return QString();
     const VARIABLE &request = driver.frameQueue.at(0).variable;
-    QString text = QString::number(request.station) + QLatin1Char('#') + addressInWords(request) + QLatin1Char('(') +
-                   QString::number(request.count) + QLatin1Char(')');
+    QString text = QString::number(request.station) + QLatin1Char('#') + request.regName + addressText(request) +
+                   QLatin1Char('(') + QString::number(request.count) + QLatin1Char(')');
     const quint8 status = byteAt(reply, REPLY_STATUS_OFFSET);
     if (reply.size() == ERROR_REPLY_SIZE && status != 0)
         text += QString::fromLatin1(",error code:") + QString::number(status);

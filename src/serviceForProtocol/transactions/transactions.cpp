@@ -90,7 +90,8 @@ bool beginWrite()
 {
     {
         const QMutexLocker lock(&driver.mutex);
-        if (driver.writeQueue.isEmpty() || driver.burstCount >= LONGEST_WRITE_BURST || driver.writesBeingMirrored > 0)
+        if (driver.writeQueue.isEmpty() || driver.burstCount >= LONGEST_WRITE_BURST ||
+            driver.writesBeingMirrored.contains(driver.finishedWrites))
             return false;
         driver.currentVariable = driver.writeQueue.at(0);
     }
@@ -157,7 +158,6 @@ bool beginTransaction()
 
 void finishFrame()
 {
-    driver.lastTransactionFailed = 0;
     driver.frameQueue.removeFirst();
     if (driver.frameQueue.isEmpty())
         dealListWhenFinish();
@@ -176,8 +176,10 @@ ReplyResult refuseReply(const VARIABLE &request)
 void finishWrite()
 {
     const QMutexLocker lock(&driver.mutex);
-    if (!driver.writeQueue.isEmpty())
-        driver.writeQueue.removeFirst();
+    if (driver.writeQueue.isEmpty())
+        return;
+    driver.writeQueue.removeFirst();
+    ++driver.finishedWrites;
 }
 
 void finishConditionRead()
@@ -244,6 +246,7 @@ int intf_dealRcvFrame(QByteArray &reply, QString &description)
         check_rcv_data(reinterpret_cast<const quint8 *>(reply.constData()), static_cast<int>(reply.size()));
     if (verdict == ReplyRefused)
         return refuseReply(request);
+    driver.lastTransactionFailed = 0;
     if (verdict == ReplyCarriesData)
         dealReadFrameReturnSaveData(reply);
     else

@@ -1,0 +1,12 @@
+/// Host terms and device units: a host counts words of 16 bits, the device counts units as wide as the kind has them.
+#ifndef TANEK_VS_DEVICE_UNITS_H
+#define TANEK_VS_DEVICE_UNITS_H
+
+#include "model/wrappingInt.h"
+
+const int WORD_WIDTH = 16;
+
+/// Whole units in so many words; what is left over is dropped.
+inline int unitsOfWords(int words, int unitWidth) { return wrap(static_cast<qint64>(words) * WORD_WIDTH / unitWidth); }
+
+#endif
