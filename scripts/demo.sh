@@ -48,7 +48,7 @@ tail -n 1 "$work/build.log"
 started=$SECONDS
 
 heading "A simulated controller: stations 1 to 3, of which 3 is silent"
-"$vssim" --tcp 127.0.0.1:0 --station 1-3 --fault silence@3 --bit-write single --animate-every 200ms \
+"$vssim" --tcp 127.0.0.1:0 --station 1-3 --fault silence@3 --animate-every 200ms \
     --set 1:D110=5 --set 2:D100=215 >"$work/vssim.out" 2>&1 &
 vssim_id=$!
 children+=("$vssim_id")

@@ -9,10 +9,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <map>
 #include <memory>
+#include <numeric>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <variant>
 #include <vector>
 
@@ -21,10 +25,13 @@ namespace {
 /// Enough for every session here, and few enough to end a stuck one soon.
 const int MOST_STEPS = 3000;
 
+const int RETRIES = 3;
+const std::chrono::milliseconds TIMEOUT(60);
+
 /// A simulated controller behind a link, running on a thread of its own.
 class Plant {
 public:
-    Plant(bool onPty, const std::set<std::uint8_t> &stations) : controller(stations, vssim::BitWriteMode::single)
+    Plant(bool onPty, const std::set<std::uint8_t> &stations) : controller(stations)
     {
         const vssim::Served served{controller, m_trace};
         if (onPty)
@@ -75,9 +82,9 @@ std::string placeOf(int station, const std::string &regName, int address)
 class Panel : private vshost::TransactionListener {
 public:
     explicit Panel(const vshost::LinkAddress &address, int mergeGap = 8)
-        : driver(TANEK_VS_LIBRARY, {1, false, 3, mergeGap}),
+        : driver(TANEK_VS_LIBRARY, {1, false, RETRIES, mergeGap}),
           m_keeper(address, m_stop, [this](const std::string &notice) { notices.push_back(notice); }),
-          m_communication(driver.calls(), m_keeper, m_stop, {std::chrono::milliseconds(60), {}, {}}, *this)
+          m_communication(driver.calls(), m_keeper, m_stop, {TIMEOUT, {}, {}}, *this)
     {
         driver.onChange([this](int station, const QString &regName, int number) {
             ++reports[placeOf(station, regName.toStdString(), number)];
@@ -151,12 +158,18 @@ public:
     std::size_t blocksRead = 0;
     std::map<int, int> readsOf; ///< accepted reads, by station
     std::map<int, int> giveUpsOf;
+    std::map<std::string, int> endsOf; ///< transactions that have ended, by place
     std::vector<FRAME_PRO> frames;
 
 private:
     void frameChosen(const FRAME_PRO &frame) override { frames.push_back(frame); }
+    void countEnd(const FRAME_PRO &frame)
+    {
+        ++endsOf[placeOf(frame.variable.station, frame.variable.regName.toStdString(), frame.variable.address)];
+    }
     void accepted(const FRAME_PRO &frame) override
     {
+        countEnd(frame);
         if (vshost::isWrite(frame)) {
             writeEnds[frame.variable.hostContext] = true;
         } else {
@@ -166,6 +179,7 @@ private:
     }
     void givenUp(const FRAME_PRO &frame, const vshost::Failure &) override
     {
+        countEnd(frame);
         ++giveUpsOf[frame.variable.station];
         if (vshost::isWrite(frame))
             writeEnds[frame.variable.hostContext] = false;
@@ -325,64 +339,148 @@ TEST(EndToEnd, theControllerReadsEveryFrameAsItWasMeant)
     EXPECT_GE(panel.frames.size(), 2 * std::size(KINDS) - 2);
 }
 
-class UnderEveryFault : public ::testing::TestWithParam<const char *> {};
+/// A session under a fault: words, bits, bits in words and counters are polled and written, a condition is read, and a
+/// recipe is carried up.
+class UnderEveryFault : public ::testing::TestWithParam<std::tuple<const char *, bool>> {
+protected:
+    struct Value {
+        const Kind *kind;
+        int address;
+
+        Wanted wanted() const { return {kind->name, address, hostCount(*kind, 1)}; }
+        std::string place() const { return placeOf(1, kind->name, address); }
+    };
+
+    UnderEveryFault() : plant(std::get<1>(GetParam()), {1}), panel(plant.address())
+    {
+        const struct {
+            const char *name;
+            int first, number;
+        } runs[] = {{"D", 100, 40}, {"M", 16, 20}, {"32C", 200, 4}, {"D_bit", 3200, 8}};
+        std::vector<Wanted> polled;
+        for (const auto &run : runs) {
+            const Kind *kind = std::find_if(std::begin(KINDS), std::end(KINDS),
+                                            [&](const Kind &one) { return std::string(one.name) == run.name; });
+            polled.push_back({run.name, run.first, hostCount(*kind, run.number)});
+            for (int i = 0; i < run.number; ++i)
+                values.push_back({kind, run.first + i});
+        }
+        for (const Value &value : values) {
+            const std::uint32_t mask = value.kind->bytesPerUnit == 1 ? 1 : 0xffff;
+            plant.controller.write(1, value.kind->name, static_cast<std::uint32_t>(value.address),
+                                   static_cast<std::uint32_t>(value.address * 401) & mask);
+            allowed[value.place()] = {Bytes(value.kind->bytesPerUnit, 0), held(value)};
+        }
+        panel.whenChanged = [this](int station, const std::string &regName, int number) {
+            const auto known = allowed.find(placeOf(station, regName, number));
+            if (known == allowed.end())
+                return; // a recipe word, or the end of a condition read
+            const Bytes now = shown(*std::find_if(values.begin(), values.end(),
+                                                  [&](const Value &value) { return value.place() == known->first; }));
+            EXPECT_EQ(known->second.count(now), 1U) << known->first << " shows " << hexText(now);
+        };
+        _RCP_VAR_PRO item;
+        item.instanceId = 1;
+        item.station = 1;
+        item.regName = QString::fromLatin1("D");
+        item.address = 100;
+        item.count = 10;
+        panel.driver.planRecipe({item}, 10);
+        panel.polls(polled);
+    }
+
+    Bytes held(const Value &value) const
+    {
+        const Kind at = {value.kind->name, value.address, value.kind->bytesPerUnit};
+        return memoryOf(plant, at, 1);
+    }
+    Bytes shown(const Value &value)
+    {
+        Bytes bytes = panel.shows(value.wanted());
+        bytes.resize(value.kind->bytesPerUnit);
+        return bytes;
+    }
+
+    /// Writes one value of each kind, and runs until each write has ended.
+    void writesRound(int round)
+    {
+        for (const std::size_t first : {0U, 40U, 60U, 64U}) {
+            const Value &value = values[first + static_cast<std::size_t>(round)];
+            Bytes bytes = held(value);
+            bytes[0] = value.kind->bytesPerUnit == 1 ? bytes[0] ^ 1 : static_cast<unsigned char>(0x10 + round);
+            allowed[value.place()].insert(bytes);
+            written[++lastWrite] = {value, bytes};
+            panel.writes(value.wanted(), bytes, lastWrite);
+        }
+        EXPECT_TRUE(panel.runsUntil([&] { return panel.writeEnds.size() == lastWrite; }));
+    }
+
+    void readsCondition()
+    {
+        KEY_ADDRESS wanted;
+        wanted.station = 1;
+        wanted.regName = QString::fromLatin1("R");
+        wanted.address = 7;
+        wanted.count = 1;
+        panel.driver.calls().addConditionRead(&wanted, 0);
+        EXPECT_TRUE(panel.runsUntil([&] { return panel.endsOf[placeOf(1, "R", 7)] == 1; }));
+    }
+
+    /// @return the words that came up: the first ten that are polled.
+    std::vector<quint16> uploads()
+    {
+        std::vector<quint16> &buffer = panel.driver.recipeBuffer();
+        std::fill(buffer.begin(), buffer.end(), quint16(0));
+        EXPECT_TRUE(panel.transfers(vshost::RecipeDirection::Upload));
+        return buffer;
+    }
+
+    Plant plant;
+    Panel panel;
+    std::vector<Value> values;
+    /// What each value may show: zeros, what the controller held at first, and what the host wrote.
+    std::map<std::string, std::set<Bytes>> allowed;
+    std::map<std::uintptr_t, std::pair<Value, Bytes>> written;
+    std::uintptr_t lastWrite = 0;
+};
 
 TEST_P(UnderEveryFault, noWrongValueIsShownAndEveryWriteEnds)
 {
-    Plant plant(false, {1});
-    Panel panel(plant.address());
-    // What each word may show: what the controller held at first, and what the host wrote.
-    std::map<int, std::set<int>> allowed;
-    for (int address = 100; address < 140; ++address) {
-        const int initial = address * 401 % 65536;
-        plant.controller.write(1, "D", static_cast<std::uint32_t>(address), static_cast<std::uint32_t>(initial));
-        allowed[address] = {0, initial};
-    }
-    panel.whenChanged = [&](int, const std::string &, int number) {
-        EXPECT_EQ(allowed[number].count(panel.word(number)), 1U) << number << " shows " << panel.word(number);
-    };
-    panel.polls({{"D", 100, 40}});
-    plant.controller.addFault(GetParam());
-
-    std::map<std::uintptr_t, int> written; // value by number of the write
-    std::uintptr_t number = 0;
-    for (int round = 0; round < 6; ++round) {
-        const int address = 100 + 6 * round;
-        const int value = 0x1000 + round;
-        allowed[address].insert(value);
-        written[++number] = value;
-        panel.writes({"D", address, 1}, words({value}), number);
-        ASSERT_TRUE(panel.runsUntil([&] { return panel.writeEnds.count(number) != 0; }));
-    }
+    plant.controller.addFault(std::get<0>(GetParam()));
+    for (int round = 0; round < 4; ++round)
+        writesRound(round);
+    readsCondition();
+    const std::vector<quint16> uploaded = uploads();
     plant.controller.clearFaults();
+    const std::vector<quint16> uploadedWell = uploads();
+    EXPECT_TRUE(uploaded == uploadedWell || uploaded == std::vector<quint16>(10)) << "all of it or none";
     ASSERT_TRUE(panel.pollsAllAnew());
     ASSERT_TRUE(panel.pollsAllAnew());
 
-    for (int address = 100; address < 140; ++address)
-        EXPECT_EQ(panel.word(address), plant.controller.read(1, "D", static_cast<std::uint32_t>(address))) << address;
+    for (const Value &value : values)
+        EXPECT_EQ(shown(value), held(value)) << value.place();
     for (const auto &write : written) {
-        const int address = 100 + 6 * static_cast<int>(write.first - 1);
         if (panel.writeEnds.at(write.first))
-            EXPECT_EQ(panel.word(address), write.second) << "confirmed";
+            EXPECT_EQ(held(write.second.first), write.second.second) << write.second.first.place() << " was confirmed";
     }
-    std::uint64_t met = 0;
-    for (std::uint64_t count : plant.controller.counts().faults)
-        met += count;
-    EXPECT_GT(met, 0U) << "the fault was never met";
+    const auto met = plant.controller.counts().faults;
+    EXPECT_GT(std::accumulate(met.begin(), met.end(), std::uint64_t{0}), 0U) << "the fault was never met";
 }
 
-std::string nameOfFault(const ::testing::TestParamInfo<const char *> &info)
+std::string nameOfFault(const ::testing::TestParamInfo<UnderEveryFault::ParamType> &info)
 {
-    std::string name = info.param;
+    std::string name = std::string(std::get<0>(info.param)) + (std::get<1>(info.param) ? "_serial" : "_tcp");
     std::replace_if(
         name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
     return name;
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, UnderEveryFault,
-                         ::testing::Values("silence:p=0.3", "silence:n=7", "error:p=0.4", "error:n=7", "drop:p=0.4",
-                                           "flip:p=0.5", "truncate:p=0.4", "overlong:p=0.4", "garbage:p=0.5",
-                                           "wrong-station:p=0.4", "delay:ms=5,p=0.5", "delay:ms=80,n=2"),
+                         ::testing::Combine(::testing::Values("silence:p=0.3", "silence:n=7", "error:p=0.4",
+                                                              "error:n=7", "drop:p=0.4", "flip:p=0.5", "truncate:p=0.4",
+                                                              "overlong:p=0.4", "garbage:p=0.5", "wrong-station:p=0.4",
+                                                              "delay:ms=5,p=0.5", "delay:ms=80,n=2"),
+                                            ::testing::Bool()),
                          nameOfFault);
 
 TEST(EndToEnd, aSilentStationDelaysTheOthersByItsRetriesAlone)
@@ -390,14 +488,22 @@ TEST(EndToEnd, aSilentStationDelaysTheOthersByItsRetriesAlone)
     Plant plant(false, {1, 2, 3});
     plant.controller.addFault("silence@2");
     Panel panel(plant.address());
-    panel.polls({{"D", 0, 1, 1}, {"D", 0, 1, 2}, {"D", 0, 1, 3}});
-    ASSERT_TRUE(panel.runsUntil([&] { return panel.giveUpsOf[2] == 4; }));
-    EXPECT_GE(panel.readsOf[1], 4);
-    EXPECT_GE(panel.readsOf[3], 3);
+    const int silentBlocks = 2;
+    panel.polls({{"D", 0, 1, 1}, {"D", 0, 1, 2}, {"D", 500, 1, 2}, {"D", 0, 1, 3}});
+    auto shortestRound = std::chrono::steady_clock::duration::max();
+    for (int round = 1; round <= 3; ++round) {
+        const auto start = std::chrono::steady_clock::now();
+        ASSERT_TRUE(panel.runsUntil([&] { return panel.readsOf[3] == round; }));
+        shortestRound = std::min(shortestRound, std::chrono::steady_clock::now() - start);
+    }
+    EXPECT_GE(panel.readsOf[1], 3);
     EXPECT_EQ(panel.readsOf[2], 0);
-    EXPECT_EQ(plant.controller.counts().faults[static_cast<std::size_t>(vssim::FaultKind::silence)], 4U * 3);
+    EXPECT_EQ(panel.giveUpsOf[2], 3 * silentBlocks);
+    EXPECT_EQ(plant.controller.counts().faults[static_cast<std::size_t>(vssim::FaultKind::silence)],
+              3U * silentBlocks * RETRIES);
+    EXPECT_LT(shortestRound, silentBlocks * RETRIES * TIMEOUT + TIMEOUT / 2);
     plant.controller.clearFaults();
-    ASSERT_TRUE(panel.runsUntil([&] { return panel.readsOf[2] == 1; }));
+    ASSERT_TRUE(panel.runsUntil([&] { return panel.readsOf[2] == 2; }));
 }
 
 TEST(EndToEnd, aCutLinkIsOpenedAgainAndNothingPostedIsLost)

@@ -99,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(SimulatorWrites, bitsInsideAWordAddressedByWordAndNibble)
 {
-    Controller controller({1});
+    Controller controller({1}, BitWriteMode::bytes);
     answerTo(controller, request("01 08 00 29 95 05 10 00 01 00 81")); // D100.5, eight bits
     EXPECT_EQ(controller.read(1, "D", 100), 0x1020U);
     EXPECT_EQ(controller.read(1, "D_bit", 1605), 1U);
@@ -121,7 +121,7 @@ TEST(SimulatorWrites, aLoneByteAsOneBitOnlyInSingleMode)
 
 TEST(SimulatorWrites, bitsUpToTheEndOfTheKindAndPassesThePaddingOver)
 {
-    Controller controller({1});
+    Controller controller({1}, BitWriteMode::bytes);
     EXPECT_EQ(answerTo(controller, request("01 09 00 29 91 65 03 00 02 00 0D 03"))[5], 0); // Y365 to Y377
     EXPECT_EQ(controller.read(1, "Y", 365), 1U);
     EXPECT_EQ(controller.read(1, "Y", 374), 1U);

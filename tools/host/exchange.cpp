@@ -36,13 +36,39 @@ void Exchange::send(Link &link, const Request &request)
         m_trace(true, request.bytes);
     }
     link.send(request.bytes.data(), request.bytes.size());
-    if (!request.expectsReply) {
-        return;
+    if (request.expectsReply) {
+        noteRequest(request);
     }
+}
+
+void Exchange::noteRequest(const Request &request)
+{
     Owed &owed = m_owed[request.station];
-    owed.replies = owed.request == request.bytes ? owed.replies + 1 : 1;
-    owed.request = request.bytes;
-    owed.until = Clock::now() + 2 * m_timeout;
+    if (owed.request != request.bytes) {
+        if (owed.late.mayCome()) {
+            owed.late.replies += owed.lateToEarlierRequests.mayCome() ? owed.lateToEarlierRequests.replies : 0;
+            owed.lateToEarlierRequests = owed.late;
+        }
+        owed.request = request.bytes;
+        owed.hasAnswered = false;
+        owed.late.replies = 0;
+    }
+    ++owed.late.replies;
+    owed.late.until = Clock::now() + 2 * m_timeout;
+}
+
+/// Accounts for a reply that has come.
+/// @return false when it is passed over as a late answer to an earlier request.
+bool Exchange::isAnswer(std::uint8_t station)
+{
+    Owed &owed = m_owed[station];
+    owed.hasAnswered = true;
+    if (owed.lateToEarlierRequests.mayCome()) {
+        --owed.lateToEarlierRequests.replies;
+        return false;
+    }
+    --owed.late.replies;
+    return true;
 }
 
 Reply Exchange::collect(Link &link, const Request &request)
@@ -53,42 +79,49 @@ Reply Exchange::collect(Link &link, const Request &request)
         if (m_stop.requested()) {
             return {ReplyEnd::Interrupted, {}, {}};
         }
-        if (tookReply(receive(link, deadline), request.station)) {
-            --m_owed[request.station].replies;
-            return {ReplyEnd::Complete, m_collector.bytes(), {}};
+        Bytes bytes = receive(link, deadline);
+        while (const std::size_t taken = takeReply(bytes, request.station)) {
+            if (isAnswer(request.station)) {
+                return {ReplyEnd::Complete, m_collector.bytes(), {}};
+            }
+            m_collector.reset();
+            bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(taken));
         }
     }
     return {ReplyEnd::TimedOut, m_collector.bytes(), {}};
 }
 
-/// Goes through bytes reply by reply; true when it stopped behind one of that station.
-bool Exchange::tookReply(const Bytes &bytes, std::uint8_t station)
+/// Goes through bytes reply by reply up to the first one of that station.
+/// @return how many bytes that were; 0 when all were taken and its reply is not complete.
+std::size_t Exchange::takeReply(const Bytes &bytes, std::uint8_t station)
 {
     std::size_t taken = 0;
     while (taken < bytes.size()) {
         taken += m_collector.take(bytes.data() + taken, bytes.size() - taken);
         if (m_collector.complete() && m_collector.isFrom(station)) {
-            return true;
+            return taken;
         }
         if (m_collector.complete()) {
             m_collector.reset();
         }
     }
-    return false;
+    return 0;
 }
 
 void Exchange::awaitOwedReplies(Link &link, const Request &request)
 {
     const auto found = m_owed.find(request.station);
-    if (found == m_owed.end() || found->second.request == request.bytes) {
+    if (found == m_owed.end() || found->second.request == request.bytes || !found->second.hasAnswered) {
         return;
     }
-    Owed &owed = found->second;
+    Late &late = found->second.late;
     m_collector.reset();
-    while (owed.replies > 0 && Clock::now() < owed.until && !m_stop.requested()) {
-        if (tookReply(receive(link, owed.until), request.station)) {
-            --owed.replies;
+    while (late.mayCome() && !m_stop.requested()) {
+        Bytes bytes = receive(link, late.until);
+        while (const std::size_t taken = takeReply(bytes, request.station)) {
+            --late.replies;
             m_collector.reset();
+            bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(taken));
         }
     }
 }

@@ -49,21 +49,33 @@ public:
     void forgetOwedReplies() { m_owed.clear(); }
 
 private:
-    /// Requests that a station has not answered in time. Nothing in a reply says which request it answers, so a late
-    /// one could be taken for the answer to the next request. It is waited for as long again as the time-out before
-    /// that station is asked something else; the same request may be repeated meanwhile.
-    struct Owed {
-        Bytes request;
+    /// Replies that may still come, up to twice the time-out after their request.
+    struct Late {
         int replies = 0;
         Clock::time_point until;
+
+        bool mayCome() const { return replies > 0 && Clock::now() < until; }
+    };
+
+    /// What a station has not answered in time. Nothing in a reply says which request it answers, so a late one could
+    /// be taken for the answer to the next request. Where the station answers at all, its late replies are waited for
+    /// before it is asked something else. Where it does not, waiting would hold up the others: should it come to
+    /// life, as many of its replies as are owed are passed over. The same request may be repeated in any case.
+    struct Owed {
+        Bytes request;
+        bool hasAnswered = false;
+        Late late;
+        Late lateToEarlierRequests;
     };
 
     void send(Link &link, const Request &request);
+    void noteRequest(const Request &request);
+    bool isAnswer(std::uint8_t station);
     Reply collect(Link &link, const Request &request);
     void awaitOwedReplies(Link &link, const Request &request);
     void discardWaiting(Link &link);
     Bytes receive(Link &link, Clock::time_point deadline);
-    bool tookReply(const Bytes &bytes, std::uint8_t station);
+    std::size_t takeReply(const Bytes &bytes, std::uint8_t station);
 
     Milliseconds m_timeout;
     const StopSignal &m_stop;

@@ -93,12 +93,12 @@ void Controller::carryOutForAll(const Decoded &decoded)
 
 std::optional<Answer> Controller::answerOf(std::uint8_t station, const Decoded &decoded)
 {
-    const auto *request = std::get_if<Request>(&decoded);
-    if (request)
-        ++counted.requests[request->command];
     const std::vector<Fault> drawn = faults.draw(station);
     if (findFault(drawn, FaultKind::silence))
         return std::nullopt;
+    const auto *request = std::get_if<Request>(&decoded);
+    if (request)
+        ++counted.requests[request->command];
     Reply reply{station, 0, {}};
     if (const Fault *error = findFault(drawn, FaultKind::error))
         reply.status = static_cast<std::uint8_t>(error->amount);

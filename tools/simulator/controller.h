@@ -20,7 +20,7 @@ enum class BitWriteMode {
 /// All calls may come from any thread: each takes the controller's own lock.
 class Controller {
 public:
-    explicit Controller(const std::set<std::uint8_t> &stationNumbers, BitWriteMode mode = BitWriteMode::bytes,
+    explicit Controller(const std::set<std::uint8_t> &stationNumbers, BitWriteMode mode = BitWriteMode::single,
                         std::uint32_t seed = 1);
 
     /// Carries the request out and gives what goes back on the wire, faults included; nothing when no station answers.

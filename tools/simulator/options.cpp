@@ -21,7 +21,7 @@ const tools::TcpAddress usualAddress{"127.0.0.1", 8000};
 // The texts as CLI11 collects them, before their meaning is looked at.
 struct Texts {
     std::vector<std::string> tcp, serial, stations;
-    std::string bitWrite = "bytes";
+    std::string bitWrite = "single";
     std::string animateEvery;
     bool animate = false;
     std::string runFor;

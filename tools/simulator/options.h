@@ -15,7 +15,7 @@ struct Options {
     std::vector<tools::SerialSettings> serial;
     bool pty = false;
     std::set<std::uint8_t> stations;
-    BitWriteMode bitWriteMode = BitWriteMode::bytes;
+    BitWriteMode bitWriteMode = BitWriteMode::single;
     std::vector<std::string> seedFiles;
     std::vector<std::string> seeds;
     std::optional<std::chrono::milliseconds> animateEvery; ///< none: nothing moves
