@@ -2,9 +2,8 @@
 /// has its own idea of the protocol. Nothing waits for time to pass: a session goes on until what is awaited is there.
 #include "communication.h"
 #include "driver.h"
-#include "simulator/lineServer.h"
 #include "simulator/request.h"
-#include "simulator/tcpServer.h"
+#include "support/plant.h"
 #include "support/wire.h"
 
 #include <gtest/gtest.h>
@@ -12,10 +11,8 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
-#include <memory>
 #include <numeric>
 #include <string>
-#include <thread>
 #include <tuple>
 #include <variant>
 #include <vector>
@@ -27,44 +24,6 @@ const int MOST_STEPS = 3000;
 
 const int RETRIES = 3;
 const std::chrono::milliseconds TIMEOUT(60);
-
-/// A simulated controller behind a link, running on a thread of its own.
-class Plant {
-public:
-    Plant(bool onPty, const std::set<std::uint8_t> &stations) : controller(stations)
-    {
-        const vssim::Served served{controller, m_trace};
-        if (onPty)
-            m_pty = std::make_unique<vssim::PtyServer>(m_context, served);
-        else
-            m_tcp = std::make_unique<vssim::TcpServer>(m_context, tools::TcpAddress{"127.0.0.1", 0}, served);
-        m_thread = std::thread([this] { m_context.run(); });
-    }
-
-    ~Plant()
-    {
-        m_context.stop();
-        m_thread.join();
-    }
-
-    vshost::LinkAddress address() const
-    {
-        if (m_pty)
-            return tools::parseSerial(m_pty->device());
-        return m_tcp->address();
-    }
-
-    void dropLink() { m_tcp->dropClients(); }
-
-    vssim::Controller controller;
-
-private:
-    vssim::Trace m_trace;
-    asio::io_context m_context{1};
-    std::unique_ptr<vssim::TcpServer> m_tcp;
-    std::unique_ptr<vssim::PtyServer> m_pty;
-    std::thread m_thread;
-};
 
 struct Wanted {
     std::string regName;

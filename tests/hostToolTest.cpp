@@ -116,6 +116,7 @@ TEST(Config, IsRefusedWithThePlaceAndTheReason)
         {"", "f:1:1: configuration: 'link' is missing"},
         {"[link]\n", "f:1:1: link: one of 'tcp' and 'serial' must be given, and only one"},
         {link + "serial = \"/dev/x\"\n", "f:3:10: link: one of 'tcp' and 'serial' must be given, and only one"},
+        {"[link]\nserial = \"\"\n", "f:2:10: link: 'serial' must not be empty"},
         {link + "timeout_ms = 0\n", "f:3:14: link: 'timeout_ms' must be a whole number from 1 to 60000"},
         {link + "speed = 1\n", "f:3:1: link: unknown key 'speed'"},
         {link + "[driver]\nmerge_gap = 1\n", "f:4:13: driver: 1 would cut the writing of a 32-bit value in two; "

@@ -76,11 +76,15 @@ TEST_F(RecipesTest, arePlannedIntoBlocks)
          {recipeItem("D", 0, 40, 0), recipeItem("D", 10, 2, 40)},
          {"D 0 32 @1 from 0 item 0", "D 32 8 @1 from 32 item 0", "D 10 2 @1 from 40 item 1"}},
         {"unknown kind", {recipeItem("Q", 0, 1, 0)}, {"Q 0 1 @1 from 0 item 0"}},
-        {"longer than the kind", {recipeItem("D", 0, 2147483647, 0)}, {"D 0 -2 @1 from 0 item 0"}},
-        {"counters longer than the kind", {recipeItem("32C", 200, 114, 0)}, {"32C 200 -1 @1 from 0 item 0"}},
-        {"a senseless count stays apart",
+        {"longer than any kind",
+         {recipeItem("32C", 200, 416001, 0), recipeItem("D", 0, 2147483647, 0)},
+         {"32C 200 -1 @1 from 0 item 0", "D 0 -2 @1 from 0 item 1"}},
+        {"counters longer than the kind",
+         {recipeItem("32C", 200, 114, 0)},
+         {"32C 200 32 @1 from 0 item 0", "32C 232 25 @1 from 64 item 0"}},
+        {"a negative count within a block",
          {recipeItem("D", 0, 5, 0), recipeItem("D", 3, -2, 5)},
-         {"D 0 5 @1 from 0 item 0", "D 3 -2 @1 from 5 item 1"}},
+         {"D 0 5 @1 from 0 item 0"}},
         {"none of this instance", {foreign}, {}},
     };
     for (const auto &row : rows) {
@@ -167,7 +171,8 @@ TEST_F(RecipesTest, nothingIsFilledInFrontOfTheBuffer)
                  recipeItem("32C", 200, 2, 8), recipeItem("32C", 201, 2, -1)});
     asks(UPLOAD_BYTE);
     exchangesWell(2);
-    EXPECT_EQ(reports(), (Reports{"RWI 8 @-1 of 0", "RWI 9 @-1 of 0", "RWI 0 @-1 of 0", "RWI 5 @-1 of 0"}));
+    EXPECT_EQ(reports(),
+              (Reports{"RWI 8 @-1 of 0", "RWI 9 @-1 of 0", "RWI 0 @-1 of 0", "RWI 0 @-1 of 0", "RWI 5 @-1 of 0"}));
 }
 
 TEST_F(RecipesTest, bitsAreReadIntoTheCacheAlone)
@@ -240,15 +245,26 @@ TEST_F(RecipesTest, aTransferEndsWhereABlockIsGivenUp)
 TEST_F(RecipesTest, aBlockThatCannotBeSentEndsTheTransfer)
 {
     polls({key("D", 50, 1)});
-    for (const _RCP_VAR_PRO &item : {recipeItem("Q", 0, 1, 0), recipeItem("D", 0, 1, -1), recipeItem("D", 0, -1, 0),
-                                     recipeItem("D", 0, 10000, 0), recipeItem("32C", 200, 114, 0)}) {
+    const struct {
+        _RCP_VAR_PRO item;
+        bool canGoUp;
+    } rows[] = {
+        {recipeItem("Q", 0, 1, 0), false},      {recipeItem("D", 0, -1, 0), false},
+        {recipeItem("D", 0, 416001, 0), false}, {recipeItem("32C", 200, 416001, 0), false},
+        {recipeItem("D", 0, 1, -1), true},
+    };
+    for (const auto &row : rows) {
         for (int requestByte : {DOWNLOAD_BYTE, UPLOAD_BYTE}) {
-            SCOPED_TRACE(text(item));
-            plansRecipe({item});
+            SCOPED_TRACE(text(row.item));
+            plansRecipe({row.item});
             asks(requestByte);
-            EXPECT_EQ(sends(), "nothing");
+            if (requestByte == UPLOAD_BYTE && row.canGoUp) {
+                EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read " + text(row.item)});
+            } else {
+                EXPECT_EQ(sends(), "nothing");
+                EXPECT_EQ(driver.lastTransactionFailed, 1);
+            }
             EXPECT_FALSE(isAsked(requestByte));
-            EXPECT_EQ(driver.lastTransactionFailed, 1);
             EXPECT_EQ(exchangesWell(1), std::vector<std::string>{"read D 50 1 @1"});
         }
     }

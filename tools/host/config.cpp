@@ -64,13 +64,19 @@ void readMilliseconds(TableReader &reader, const char *key, Milliseconds &time, 
 
 void checkLinkAddress(TableReader &reader, const LinkConfig &link)
 {
+    if (reader.has("tcp") == reader.has("serial")) {
+        reader.complain("serial", "one of 'tcp' and 'serial' must be given, and only one");
+        return;
+    }
+    const char *const key = reader.has("tcp") ? "tcp" : "serial";
     if (link.tcp.empty() && link.serial.empty()) {
+        reader.complain(key, fmt::format("'{}' must not be empty", key));
         return;
     }
     try {
         parseLinkAddress(link.tcp, link.serial);
     } catch (const UsageError &error) {
-        reader.complain(link.serial.empty() ? "tcp" : "serial", error.what());
+        reader.complain(key, error.what());
     }
 }
 
@@ -81,9 +87,6 @@ void readLink(const toml::table &table, LinkConfig &link, Problems &problems)
     reader.read("serial", link.serial);
     readMilliseconds(reader, "timeout_ms", link.timeout, 1);
     readMilliseconds(reader, "poll_interval_ms", link.pollInterval, 0);
-    if (reader.has("tcp") == reader.has("serial")) {
-        reader.complain("serial", "one of 'tcp' and 'serial' must be given, and only one");
-    }
     checkLinkAddress(reader, link);
     reader.finish();
 }

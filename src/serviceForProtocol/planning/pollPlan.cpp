@@ -71,7 +71,7 @@ struct Block {
 /// the limit. A block's start never moves: a key that starts before it may join only if what it has there is covered.
 bool join(Block &block, const KEY_ADDRESS &key, JoinMode mode)
 {
-    if (key.address < block.coveredFrom || key.count < 0 || judgeAddrMerge(block.run, key, mode) != 0)
+    if (key.address < block.coveredFrom || judgeAddrMerge(block.run, key, mode) != 0)
         return false;
     const int span = wrappingDifference(wrappingSum(key.address, key.count), block.run.address);
     if (span > BLOCK_LIMIT)

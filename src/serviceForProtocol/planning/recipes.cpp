@@ -32,12 +32,10 @@ QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items)
     return sorted;
 }
 
-/// An item longer than its whole kind would be cut into pieces without end; it gets one block that cannot be sent.
+/// An item longer than any kind would be cut into pieces without end; it gets one block that cannot be sent.
 int plannedCount(const _RCP_VAR_PRO &item)
 {
-    const int kind = getIndexFromRegName(item.regName);
-    const int most = kind < 0 ? hostUnitsOfLargestKind() : hostUnitsOf(kind);
-    return item.count > most ? COUNT_OF_NO_REQUEST : item.count;
+    return item.count > hostUnitsOfLargestKind() ? COUNT_OF_NO_REQUEST : item.count;
 }
 
 KEY_ADDRESS keyOf(const _RCP_VAR_PRO &item)
@@ -78,6 +76,12 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items)
     for (int i = 0; i < keys.size(); ++i)
         driver.recipeBlocks.append(blockOf(keys.at(i)));
     return static_cast<int>(driver.recipeItems.size());
+}
+
+bool takesValuesFromOutside(const _RCP_VAR_PRO &block)
+{
+    const int kind = getIndexFromRegName(block.regName);
+    return block.bufferOffset < 0 && kind >= 0 && unitWidthOf(kind) > 1;
 }
 
 void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &request, int withValues)

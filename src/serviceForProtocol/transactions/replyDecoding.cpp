@@ -132,7 +132,7 @@ void uploadWords(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArr
     for (qint64 unit = firstUnit; unit < std::min(itemEnd, blockEnd); ++unit) {
         const int bufferWord = wrap(item.bufferOffset + (unit - item.address));
         if (bufferWord < 0)
-            return;
+            continue;
         fillBufferWord(bufferWord, reply, dataOffset + 2 * (unit - block.address));
         reportUploadedWord(bufferWord);
     }

@@ -77,12 +77,10 @@ bool beginRecipeBlock()
     const _RCP_VAR_PRO block = driver.recipeBlocks.at(driver.recipeIndex);
     driver.transactionKind = kind;
     rcpAddrToVar(block, driver.currentVariable, kind == TransactionRecipeWrite ? 1 : 0);
-    if (block.bufferOffset < 0)
-        return true; // its values lie outside the buffer: no frame
-    if (kind == TransactionRecipeWrite)
-        getWriteFrame(driver.currentVariable);
-    else
+    if (kind == TransactionRecipeRead)
         buildReadFrame();
+    else if (!takesValuesFromOutside(block))
+        getWriteFrame(driver.currentVariable);
     return true;
 }
 
