@@ -93,7 +93,8 @@ void Communication::exchange(Link &link)
 
 void Communication::handBack(const Reply &reply)
 {
-    QByteArray bytes = toQt(reply.bytes);
+    // The driver does not look at a reply's end, so one that never came to it is kept from the driver.
+    QByteArray bytes = reply.end == ReplyEnd::Complete ? toQt(reply.bytes) : QByteArray();
     QString description;
     const int result = m_calls.dealRcvFrame(bytes, description);
     if (result == REPLY_ACCEPTED) {
