@@ -5,14 +5,18 @@
 #include "simulator/request.h"
 #include "support/plant.h"
 #include "support/wire.h"
+#include "writeTracker.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <numeric>
+#include <set>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <variant>
 #include <vector>
@@ -119,9 +123,25 @@ public:
     std::map<int, int> giveUpsOf;
     std::map<std::string, int> endsOf; ///< transactions that have ended, by place
     std::vector<FRAME_PRO> frames;
+    vshost::WriteTracker *tracker = nullptr; ///< told of everything when there is one
 
 private:
-    void frameChosen(const FRAME_PRO &frame) override { frames.push_back(frame); }
+    void beforeChoice() override
+    {
+        if (tracker)
+            tracker->beforeChoice();
+    }
+    void nothingToSend() override
+    {
+        if (tracker)
+            tracker->nothingToSend();
+    }
+    void frameChosen(const FRAME_PRO &frame) override
+    {
+        frames.push_back(frame);
+        if (tracker)
+            tracker->frameChosen(frame);
+    }
     void countEnd(const FRAME_PRO &frame)
     {
         ++endsOf[placeOf(frame.variable.station, frame.variable.regName.toStdString(), frame.variable.address)];
@@ -129,6 +149,8 @@ private:
     void accepted(const FRAME_PRO &frame) override
     {
         countEnd(frame);
+        if (tracker)
+            tracker->accepted(frame);
         if (vshost::isWrite(frame)) {
             writeEnds[frame.variable.hostContext] = true;
         } else {
@@ -463,6 +485,35 @@ TEST(EndToEnd, aSilentStationDelaysTheOthersByItsRetriesAlone)
     EXPECT_LT(shortestRound, silentBlocks * RETRIES * TIMEOUT + TIMEOUT / 2);
     plant.controller.clearFaults();
     ASSERT_TRUE(panel.runsUntil([&] { return panel.readsOf[2] == 2; }));
+}
+
+TEST(EndToEnd, everyWritePostedWhileTheLoopRunsIsToldItsEnd)
+{
+    const int places = 20;
+    const int number = 3000;
+    Plant plant(false, {1});
+    Panel panel(plant.address());
+    panel.polls({{"D", 0, places}});
+    std::map<vshost::WriteOutcome, int> ends;
+    vshost::WriteTracker tracker(panel.driver.calls(), [&](const vshost::WriteEnd &end) { ++ends[end.outcome]; });
+    panel.tracker = &tracker;
+    std::atomic<bool> isPosted{false};
+    std::thread poster([&] {
+        vshost::Value value;
+        value.place.regName = QString::fromLatin1("D");
+        for (int i = 1; i <= number; ++i) {
+            value.place.address = i % places;
+            tracker.post(value, {static_cast<unsigned char>(i), static_cast<unsigned char>(i >> 8)}, "");
+        }
+        isPosted = true;
+    });
+    for (int i = 0; i < 10 && (!isPosted || tracker.anyOutstanding()); ++i)
+        panel.runsUntil([&] { return isPosted && !tracker.anyOutstanding(); });
+    poster.join();
+    EXPECT_EQ(ends[vshost::WriteOutcome::Confirmed] + ends[vshost::WriteOutcome::Replaced], number);
+    EXPECT_GE(ends[vshost::WriteOutcome::Confirmed], places);
+    for (int i = number - places + 1; i <= number; ++i)
+        EXPECT_EQ(plant.controller.read(1, "D", static_cast<std::uint32_t>(i % places)), static_cast<std::uint32_t>(i));
 }
 
 TEST(EndToEnd, aCutLinkIsOpenedAgainAndNothingPostedIsLost)
