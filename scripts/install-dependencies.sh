@@ -1,20 +1,23 @@
 #!/usr/bin/env bash
 # Installs what a part of the project needs, from Debian's packages. Installs nothing that is there already.
 #
-#   scripts/install-dependencies.sh build test check fuzz
+#   scripts/install-dependencies.sh PART...    of build, test, check, fuzz, qt6, armhf, coverage
 set -euo pipefail
 
 build="cmake ninja-build g++ pkg-config qtbase5-dev libasio-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev libfmt-dev"
 test="libgtest-dev googletest librapidcheck-dev binutils"
+armhf="g++-arm-linux-gnueabihf qemu-user"
+qt6="qt6-base-dev"
+coverage="gcovr"
 fuzz="clang libclang-rt-14-dev"
 check="clang-format clang-tidy cppcheck git"
 
 packages=""
 for part in "$@"; do
     case "$part" in
-    build | test | check | fuzz) packages+=" ${!part}" ;;
+    build | test | check | fuzz | qt6 | armhf | coverage) packages+=" ${!part}" ;;
     *)
-        echo "$0: no part named '$part'; there are build, test, check and fuzz" >&2
+        echo "$0: no part named '$part'; there are build, test, check, fuzz, qt6, armhf and coverage" >&2
         exit 2
         ;;
     esac
