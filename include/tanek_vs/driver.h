@@ -12,7 +12,8 @@
 /// intf_setData and intf_getData may be called from any thread at any time, from inside the callback too.
 /// intf_initProperty, intf_addrMerge, intf_setRcpAddress and intf_addConditionRead change what the communication
 /// thread works on: the host calls them on that thread, or while it is not inside the driver. intf_initProperty needs
-/// every other thread out of the driver. The rest read constants only.
+/// every other thread out of the driver, and so do intf_setAddrValueChangeCallBack and intf_SetDriverPropertyPage. The
+/// rest read constants only, from any thread.
 ///
 /// Errors are int results; nothing throws and nothing is logged. A call with arguments that make no sense (an unknown
 /// kind, a count below 1 or beyond what the kind holds, a negative address, a null pointer) changes nothing.
@@ -36,15 +37,16 @@ extern "C" {
 /// of the driver held. It may call intf_getData and intf_setData and no other call. The result is ignored; the string
 /// lives only during the call.
 ///
-/// - (instance, station, register name, address): the shown value at that address changed, or a write to it ended.
-///   `instance` is the first number of the property text.
+/// - (instance, station, register name, address): the shown value at that polled address changed, or a write to it
+///   ended (see intf_setData). `instance` is the first number of the property text; name and address are those of the
+///   poll list. Single bits of kinds of bits are reported when they are written even if they are not polled.
 /// - (-1, -1, "-1", status): the condition read queued last has ended: status 0 when it was read, -1 when given up.
 /// - (0, -1, "RWI", n): a recipe upload has filled word n of the recipe buffer.
 typedef int (*ValueChangeCallback)(int instance, int station, QString &regName, int address);
 
 // ---- Identity and configuration ----
 
-/// Writes 0 through `type`: the driver is of the kind that is polled by the host.
+/// Writes the number of the protocol type through `type`: 0.
 TANEK_VS_EXPORT void intf_getProtocolType(int *type);
 
 /// The driver's version, "2.0.0.0".
@@ -73,8 +75,11 @@ TANEK_VS_EXPORT void intf_getDriverParameter(QString &text);
 ///        changes the cache and sends nothing), an ignored number, retry limit (bad replies until a transaction is
 ///        given up), merge gap (units that merging bridges; also words per write, with eight times as many bits). A
 ///        part that is not a number counts as 0; with fewer than five parts the settings stay as they were.
+///        A retry limit below 1 is one of 1, a merge gap below 1 cuts writes at 32 words or 256 bits.
 /// @param hostMutex guards the two request bytes; the driver holds it only while it reads or clears them.
-/// The three host objects stay the host's and must live until the next intf_initProperty or the unloading.
+/// The three host objects stay the host's and must live until the next intf_initProperty or the unloading. Each may be
+/// null; there are no recipe transfers then. A transfer that a reset interrupts goes on with the block it had reached
+/// when it is asked for again.
 /// @return 1, always.
 TANEK_VS_EXPORT int intf_initProperty(quint8 *hostControlBlock, void *unused, quint16 *recipeBuffer, int *result,
                                       const char *property, QMutex *hostMutex);
@@ -109,7 +114,9 @@ TANEK_VS_EXPORT int intf_getRegDiscription(const QString &regName, QStringList &
 TANEK_VS_EXPORT int intf_checkAddrValidity(const QString &regName, const QString &addressText, int *address, int count,
                                            int wordAccess);
 
-/// The same check for a data type of the host's (-1: bit) and an access mode.
+/// The same check for a data type and an access mode, both numbers of the host's.
+/// @param dataType -1: bit, which kinds of bits want and others refuse; 32-bit kinds take 1, 3, 5, 6 and 9 alone.
+/// @param accessMode 1 and 2 write; any other reads.
 /// @return as intf_checkAddrValidity, and 5: the data type does not fit a 32-bit kind; 6: writing to a read-only kind.
 TANEK_VS_EXPORT int intf_checkAddr(const QString &regName, const QString &addressText, int *address, int dataType,
                                    int count, int accessMode);
@@ -118,7 +125,7 @@ TANEK_VS_EXPORT int intf_checkAddr(const QString &regName, const QString &addres
 ///
 /// @param step distance in address numbers; -1: that of 16-bit values, -2: that of 32-bit values; less than 1: 1.
 /// @return 1 all are in the kind's range; 2 some lay above it and were replaced by the highest address; 0 unknown
-///         kind, or more addresses wanted than the largest kind has: nothing is appended.
+///         kind, or more addresses wanted than the largest kind has (416000): nothing is appended.
 TANEK_VS_EXPORT int intf_multiCopy(const QString &regName, int start, int number, int step, QVector<QString> &texts,
                                    QVector<int> &numbers);
 
@@ -129,7 +136,10 @@ TANEK_VS_EXPORT int intf_multiCopy(const QString &regName, int start, int number
 /// @return the number of read requests that one round of the list takes.
 TANEK_VS_EXPORT int intf_addrMerge(const QList<KEY_ADDRESS> *keys);
 
-/// Queues a one-time read. When the one queued last has ended, the callback receives -1, -1, "-1" and the status.
+/// Queues a one-time read, whose values go into the cache as those of the poll list do. When the one queued last has
+/// ended, the callback receives -1, -1, "-1" and the status. One that is given up takes all others with it, and the
+/// callback is told only if it was the one queued last. The queue holds 513 requests; a further one replaces the last.
+/// @param key its `unitCode` -1 cuts a long read as writes of bits are cut, any other as writes of words.
 /// @param hostContext carried in the requests, never interpreted.
 /// @return 1, always.
 TANEK_VS_EXPORT int intf_addConditionRead(const KEY_ADDRESS *key, std::uintptr_t hostContext);
@@ -141,13 +151,16 @@ TANEK_VS_EXPORT int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items);
 
 // ---- Transactions ----
 
-/// Copies the next frame to send into the host's record.
+/// Copies the next frame to send into the host's record: the one in flight until its transaction ends, else that of the
+/// next transaction. A write, condition read or recipe block that fits no frame is given up here, reports included.
 /// @return 1 when there is a frame: send the first `frameLength` bytes of `frame`, then pass what comes back to
-///         intf_dealRcvFrame; 0 when there is nothing to send now.
+///         intf_dealRcvFrame; 0 when there is nothing to send now. The next call may have something: 0 also comes
+///         after a give-up here, and after ten writes in a row when the poll list is empty.
 TANEK_VS_EXPORT int intf_getSendFrame(FRAME_PRO *hostFrame);
 
-/// Takes the bytes that came back for the frame in flight: all of the reply, or an empty array when none came (also
-/// after a frame with `replyLength` 0).
+/// Takes the bytes that came back for the frame in flight: all of the reply, from its start to its two check
+/// characters, or an empty array when none came (also after a frame with `replyLength` 0). Which station replied is
+/// not looked at.
 ///
 /// @param reply is changed: doubled DLE bytes are reduced to one.
 /// @param description receives the transaction in words, such as "1#D100(10)", with ",error code:3" behind it when
@@ -167,10 +180,15 @@ TANEK_VS_EXPORT int intf_dealRcvFrame(QByteArray &reply, QString &description);
 /// @return 1, always.
 TANEK_VS_EXPORT int intf_getData(int station, const QString &regName, int address, int count, quint8 *values);
 
-/// Shows the values at once and queues them to be written. A waiting write to exactly the same place is replaced. The
-/// end of the write is reported through the callback when the shown value falls back.
+/// Shows the values at once, reports what that changes, and queues them to be written. A waiting write to exactly the
+/// same place is replaced. The queue holds 513 requests; a further one replaces the last, whose value stays shown until
+/// the device's changes.
 ///
-/// @param count host count, at most 1024 bits or 512 words.
+/// A write that is given up is reported, and what was read before is shown again. Of writes of bits inside words the
+/// acceptance is reported too, once the last one of the word has ended. `variable.hostContext` of the frame tells which
+/// write a transaction belongs to.
+///
+/// @param count host count, at most 1024 bits or 512 words; a larger write changes nothing.
 /// @param values laid out as for intf_getData; only read.
 /// @param hostContext carried in the requests, never interpreted.
 /// @return 1, always.

@@ -62,7 +62,7 @@ struct KEY_ADDRESS {
     QString hostNote;
     /// Address number, as in VARIABLE.
     qint32 address = 0;
-    /// -1: `count` counts single bits. Read by condition reads alone.
+    /// -1: a long condition read is cut as writes of bits are cut, else as writes of words. Read by those alone.
     qint32 unitCode = 0;
     /// Bits for kinds of bits ("D_bit" and "R_bit" included), 16-bit words for all others: a 32-bit counter is two.
     qint32 count = 0;

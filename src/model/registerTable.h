@@ -32,9 +32,9 @@ extern const quint32 ADDRESS_RANGE_FUNC[REGISTER_KIND_COUNT];
 
 extern const QString PROCOTOL_NAME;
 extern const QString PROCOTOL_VERSION;
-/// Baud rate, data bits, parity and stop bits of a controller as it leaves the factory.
+/// Default baud rate, data bits, parity and stop bits.
 extern const QString PROCOTOL_DEFALT_COM_PAR;
-/// Network address and port of a controller as it leaves the factory.
+/// Default network address and port.
 extern const QString PROCOTOL_DEFALT_IP_PAR;
 extern const QString PROCOTOL_PAR_HMI_SET_MODE;
 

@@ -14,6 +14,7 @@
 namespace {
 
 const int ACCEPTED = 1;
+const int NOT_COUNTED = -1;
 
 /// A unit before and after a change, in numbers, and its place in the cache.
 struct UnitChange {
@@ -111,9 +112,8 @@ int countQueued(const VARIABLE &request)
 
 /// A second write of the same bit counts only when the very same request waits behind the first. The first may have
 /// been settled while the queue was looked at; then this one is the first.
-void countFurtherWrite(const ValueShape &shape, const VARIABLE &request, int bitAddress, int index)
+void countFurtherWrite(const ValueShape &shape, bool waitsBehindFirst, int bitAddress, int index)
 {
-    const bool waitsBehindFirst = countQueued(request) == 2;
     const int bit = placeOfBit(shape, bitAddress).bit;
     const QMutexLocker lock(&driver.dataAreaMutex);
     _DATA_ &area = driver.dataAreas[index];
@@ -126,14 +126,19 @@ void countFurtherWrite(const ValueShape &shape, const VARIABLE &request, int bit
 
 void mirrorBits(const ValueShape &shape, const VARIABLE &request, const quint8 *values)
 {
+    int queued = NOT_COUNTED;
     for (int i = 0; i < request.count; ++i) {
         const int bitAddress = request.address + i;
         bool isFirstPending = true;
         const UnitChange change = mirrorBit(shape, request.station, bitAddress, values[i] == 1, isFirstPending);
-        if (shape.bitsPerUnit == 16 && !isFirstPending)
-            countFurtherWrite(shape, request, bitAddress, change.index);
-        if (change.isVisible())
-            unitDataChange(shape, &change.before, &change.after, change.index);
+        if (shape.bitsPerUnit == 16 && !isFirstPending) {
+            queued = queued == NOT_COUNTED ? countQueued(request) : queued;
+            countFurtherWrite(shape, queued == 2, bitAddress, change.index);
+        }
+        if (!change.isVisible())
+            continue;
+        unitDataChange(shape, &change.before, &change.after, change.index);
+        queued = NOT_COUNTED; // the callback may have posted a write
     }
 }
 
