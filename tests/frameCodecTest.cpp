@@ -48,6 +48,13 @@ TEST(FrameCodec, undoublesTheBodyAlone)
 
 TEST(FrameCodec, refusesAFrameThatDoublingMakesTooLong)
 {
+    Bytes tooShort = hex("10 02 10 10 03 44");
+    int shortLength = 6;
+    EXPECT_TRUE(dealFrameSend_0x10(tooShort.data(), shortLength));
+    EXPECT_EQ(hexText(tooShort), "10 02 10 10 03 44") << "has no body";
+    int endless = RECORD_BUFFER_SIZE + 1;
+    EXPECT_FALSE(dealFrameSend_0x10(tooShort.data(), endless));
+
     Bytes frame(RECORD_BUFFER_SIZE, 0);
     int length = 1000;
     std::fill_n(frame.begin() + 100, 24, static_cast<unsigned char>(0x10));

@@ -147,9 +147,15 @@ TEST_F(RecipesTest, uploadFillsTheBufferAndTheCache)
               (std::vector<int>{0x0201, 0x0403, 0x0605, 0x0807}));
     EXPECT_EQ(word(14), 5);
     EXPECT_FALSE(isAsked(UPLOAD_BYTE));
-    exchanges(reply(words({99})));
-    EXPECT_EQ(reports(), Reports{"D 12 @1"});
-    EXPECT_EQ(recipeBuffer[7], 3) << "a poll fills the cache alone";
+}
+
+TEST_F(RecipesTest, aPollOfAPlannedBlockFillsTheCacheAlone)
+{
+    plansRecipe({recipeItem("D", 12, 3, 7)});
+    polls({key("D", 12, 3)});
+    EXPECT_EQ(exchanges(reply(words({1, 2, 3}))), "read D 12 3 @1");
+    EXPECT_EQ(reports(), (Reports{"D 12 @1", "D 13 @1", "D 14 @1"}));
+    EXPECT_EQ(recipeBuffer[7], 0);
 }
 
 TEST_F(RecipesTest, aLongItemOfCountersIsFilledFromItsFirst)

@@ -183,9 +183,11 @@ TEST_F(TransactionsTest, aReplyWithTooFewBytesReadsAsZeros)
     driver.transactionKind = TransactionBlockRead;
     unit("D", 1).readValue[0] = 7;
     unit("M", 8).readValue[0] = 1;
-    analyzeFrameOfVal(arrayOf(hex("10 02 01 05 00 00 34 12")), 2, 6, request("D", 0, 2));
-    EXPECT_EQ(reads("D", 0, 2), words({0x1234, 0}));
-    analyzeFrameOfVal(arrayOf(hex("10 02 01 03 00 00 01")), 9, 6, request("M", 0, 9));
+    // The bytes behind the reply's end are not its own.
+    const char bytes[] = "\x10\x02\x01\x05\x00\x00\x01\x12\xff\xff\xff";
+    analyzeFrameOfVal(QByteArray::fromRawData(bytes, 8), 2, 6, request("D", 0, 2));
+    EXPECT_EQ(reads("D", 0, 2), words({0x1201, 0}));
+    analyzeFrameOfVal(QByteArray::fromRawData(bytes, 7), 9, 6, request("M", 0, 9));
     EXPECT_EQ(reads("M", 0, 9), (Bytes{1, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
