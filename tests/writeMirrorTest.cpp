@@ -184,6 +184,18 @@ TEST_F(WriteMirrorTest, writesOfBitsAreCountedUntilTheLastIsSettled)
     EXPECT_EQ(word(100), 8);
 }
 
+TEST_F(WriteMirrorTest, aWriteRepeatedFromTheReportOfItsFirstBitIsCountedForTheOthers)
+{
+    polls({key("D_bit", 1600, 2)});
+    unit("D", 100).pendingBitWrites = 1; // an earlier write of the first bit
+    whenReported = [this](const std::string &) {
+        whenReported = nullptr;
+        writes("D_bit", 1600, 2, {1, 1});
+    };
+    writes("D_bit", 1600, 2, {1, 1});
+    EXPECT_EQ(unit("D", 100).pendingBitWrites, 0xFU);
+}
+
 TEST_F(WriteMirrorTest, aWordShowsItsOtherBitsWhileOneIsWritten)
 {
     polls({key("D", 100, 1)});
