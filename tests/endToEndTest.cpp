@@ -366,7 +366,7 @@ protected:
         item.regName = QString::fromLatin1("D");
         item.address = 100;
         item.count = 10;
-        panel.driver.planRecipe({item}, 10);
+        panel.driver.planRecipe(QVector<_RCP_VAR_PRO>() << item, 10);
         panel.polls(polled);
     }
 

@@ -17,7 +17,7 @@ template <typename Function> Function *ofQt(const char *symbol)
 /// A string's last owner frees it, which only the atomic counting inside QtCore makes safe.
 extern "C" const char *__tsan_default_suppressions() { return "called_from_lib:libQt5Core.so\n"; }
 
-void QMutex::lock() noexcept(noexcept(std::declval<QMutex>().lock()))
+void QMutex::lock() QT_MUTEX_LOCK_NOEXCEPT
 {
     static auto *const lockOfQt = ofQt<void(QMutex *)>("_ZN6QMutex4lockEv");
     __tsan_mutex_pre_lock(this, 0);
