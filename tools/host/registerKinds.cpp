@@ -104,7 +104,8 @@ void RegisterKinds::append(int listType)
 {
     QStringList names;
     m_calls.getRegListByType(listType, names);
-    for (const QString &name : names) {
+    for (int i = 0; i < names.size(); ++i) {
+        const QString &name = names.at(i);
         QStringList texts;
         m_calls.getRegDiscription(name, texts);
         if (texts.size() < DESCRIPTION_SIZE) {
