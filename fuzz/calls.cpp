@@ -129,10 +129,13 @@ void Host::asksOnce()
 void Host::writes()
 {
     const KEY_ADDRESS place = key();
-    const int count = place.count > 1100 ? place.count % 1100 : place.count;
+    // Now and then more writes than the queue holds, short ones.
+    const int number = m_any.ConsumeIntegralInRange(0, 500) == 0 ? 520 : 1;
+    const int longest = number == 1 ? 1100 : 8;
+    const int count = place.count > longest ? place.count % longest : place.count;
     const Bytes values(static_cast<std::size_t>(std::max(count, 0)) * 2 + 1,
                        m_any.PickValueInArray<quint8>({0, 1, 16}));
-    for (int i = m_any.ConsumeIntegralInRange(0, 500) == 0 ? 520 : 1; i > 0; --i)
+    for (int i = number; i > 0; --i)
         intf_setData(place.station, place.regName, i == 1 ? place.address : i, count, values.data(), 0);
 }
 
