@@ -7,8 +7,10 @@ cd "$(dirname "$0")/.."
 build="${1:-build/ci}"
 
 scripts/install-dependencies.sh check
-mapfile -t files < <(git ls-files '*.cpp' '*.h')
-mapfile -t units < <(git ls-files 'src/*.cpp' 'tools/*.cpp')
+list="$(git ls-files '*.cpp' '*.h')"
+mapfile -t files <<<"$list"
+mapfile -t units < <(grep -E '^(src|tools)/.*\.cpp$' <<<"$list")
+[ "${#units[@]}" -gt 0 ] || { echo "no sources: not a clone?" >&2; exit 1; }
 
 echo "clang-format: ${#files[@]} files"
 clang-format --dry-run -Werror "${files[@]}"

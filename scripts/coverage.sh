@@ -6,6 +6,7 @@ cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh coverage
 [ ! -d build/coverage ] || find build/coverage -name '*.gcda' -delete
-scripts/test.sh coverage >/dev/null
+mkdir -p build
+scripts/test.sh coverage >build/coverage.log 2>&1 || { cat build/coverage.log; exit 1; }
 gcovr --root . --filter 'src/' --exclude-throw-branches --exclude-unreachable-branches \
     --fail-under-line 97 --fail-under-branch 92 --print-summary build/coverage | tail -n +4

@@ -28,7 +28,7 @@ mkdir -p build/fuzz/findings
 for target in $wanted; do
     mkdir -p "build/fuzz/corpus/$target"
     log="build/fuzz/$target.log"
-    if ! "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=8192 -timeout=20 -print_final_stats=1 \
+    if ! "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=8192 -timeout=120 -print_final_stats=1 \
         -verbosity=1 -artifact_prefix="build/fuzz/findings/$target-" \
         "build/fuzz/corpus/$target" "build/fuzz/seeds/$target" >"$log" 2>&1; then
         tail -n 60 "$log"

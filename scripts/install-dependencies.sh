@@ -34,4 +34,4 @@ as_root=""
 [ "$(id -u)" -eq 0 ] || as_root="sudo"
 $as_root apt-get update -qq
 # shellcheck disable=SC2086 # the list is words
-DEBIAN_FRONTEND=noninteractive $as_root apt-get install -qq -y --no-install-recommends $missing >/dev/null
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-remove --no-install-recommends $missing >/dev/null

@@ -6,7 +6,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 preset="${1:-ci}"
 
-scripts/install-dependencies.sh build test
+parts="build test"
+[ "$preset" != qt6 ] || parts+=" qt6"
+# shellcheck disable=SC2086 # the list is words
+scripts/install-dependencies.sh $parts
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
 ctest --preset "$preset" --parallel "$(nproc)"

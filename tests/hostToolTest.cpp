@@ -116,6 +116,7 @@ TEST(Config, IsRefusedWithThePlaceAndTheReason)
         {"", "f:1:1: configuration: 'link' is missing"},
         {"[link]\n", "f:1:1: link: one of 'tcp' and 'serial' must be given, and only one"},
         {link + "serial = \"/dev/x\"\n", "f:3:10: link: one of 'tcp' and 'serial' must be given, and only one"},
+        {"[link]\ntcp = 5\n", "f:2:7: link: 'tcp' must be a text in quotes"},
         {"[link]\nserial = \"\"\n", "f:2:10: link: 'serial' must not be empty"},
         {link + "timeout_ms = 0\n", "f:3:14: link: 'timeout_ms' must be a whole number from 1 to 60000"},
         {link + "speed = 1\n", "f:3:1: link: unknown key 'speed'"},
@@ -138,6 +139,21 @@ TEST(Config, IsRefusedWithThePlaceAndTheReason)
     };
     for (const Row &row : rows) {
         EXPECT_EQ(complaintAbout(row.text), row.complaint) << row.text;
+    }
+}
+
+TEST(Config, CannotBeReadFromAFolderOrFromNothing)
+{
+    EXPECT_THROW(loadConfig("/"), UsageError);
+    try {
+        loadConfig("/nothing/there.toml");
+    } catch (const UsageError &error) {
+        EXPECT_STREQ(error.what(), "/nothing/there.toml: the file cannot be read");
+    }
+    try {
+        loadConfig("/");
+    } catch (const UsageError &error) {
+        EXPECT_STREQ(error.what(), "/: the file cannot be read");
     }
 }
 

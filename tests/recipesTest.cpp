@@ -82,9 +82,9 @@ TEST_F(RecipesTest, arePlannedIntoBlocks)
         {"counters longer than the kind",
          {recipeItem("32C", 200, 114, 0)},
          {"32C 200 32 @1 from 0 item 0", "32C 232 25 @1 from 64 item 0"}},
-        {"a negative count within a block",
-         {recipeItem("D", 0, 5, 0), recipeItem("D", 3, -2, 5)},
-         {"D 0 5 @1 from 0 item 0"}},
+        {"senseless counts stay apart",
+         {recipeItem("D", 0, 5, 0), recipeItem("D", 3, -2, 5), recipeItem("D", 3, 416001, 5)},
+         {"D 0 5 @1 from 0 item 0", "D 3 -2 @1 from 5 item 1", "D 3 -2 @1 from 5 item 2"}},
         {"none of this instance", {foreign}, {}},
     };
     for (const auto &row : rows) {

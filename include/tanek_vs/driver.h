@@ -155,7 +155,8 @@ TANEK_VS_EXPORT int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items);
 /// next transaction. A write, condition read or recipe block that fits no frame is given up here, reports included.
 /// @return 1 when there is a frame: send the first `frameLength` bytes of `frame`, then pass what comes back to
 ///         intf_dealRcvFrame; 0 when there is nothing to send now. The next call may have something: 0 also comes
-///         after a give-up here, and after ten writes in a row when the poll list is empty.
+///         after a give-up here, after ten writes in a row when the poll list is empty, and while the write at the head
+///         is just being posted by another thread.
 TANEK_VS_EXPORT int intf_getSendFrame(FRAME_PRO *hostFrame);
 
 /// Takes the bytes that came back for the frame in flight: all of the reply, from its start to its two check
@@ -188,7 +189,8 @@ TANEK_VS_EXPORT int intf_getData(int station, const QString &regName, int addres
 /// acceptance is reported too, once the last one of the word has ended. `variable.hostContext` of the frame tells which
 /// write a transaction belongs to.
 ///
-/// @param count host count, at most 1024 bits or 512 words; a larger write changes nothing.
+/// @param count host count, at most 1024 bits or 512 words; a larger write changes nothing (with cache-only writes,
+///        which queue none, any count that the kind holds)
 /// @param values laid out as for intf_getData; only read.
 /// @param hostContext carried in the requests, never interpreted.
 /// @return 1, always.

@@ -8,9 +8,9 @@
 
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <set>
-#include <sstream>
 
 namespace vshost {
 
@@ -69,6 +69,10 @@ void checkLinkAddress(TableReader &reader, const LinkConfig &link)
         return;
     }
     const char *const key = reader.has("tcp") ? "tcp" : "serial";
+    const toml::node *const text = reader.node(key);
+    if (!text || !text->is_string()) {
+        return; // complained about already
+    }
     if (link.tcp.empty() && link.serial.empty()) {
         reader.complain(key, fmt::format("'{}' must not be empty", key));
         return;
@@ -273,12 +277,11 @@ Config parseConfig(std::string_view text, const std::string &fileName)
 Config loadConfig(const std::string &fileName)
 {
     std::ifstream file(fileName);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file.is_open() || text.bad()) {
+    file.peek(); // a folder can be opened, but not read
+    if (!file.is_open() || file.bad()) {
         throw UsageError(fileName + ": the file cannot be read");
     }
-    return parseConfig(text.str(), fileName);
+    return parseConfig(std::string(std::istreambuf_iterator<char>(file), {}), fileName);
 }
 
 } // namespace vshost

@@ -14,7 +14,6 @@
 namespace {
 
 const int ACCEPTED = 1;
-const int NOT_COUNTED = -1;
 
 /// A unit before and after a change, in numbers, and its place in the cache.
 struct UnitChange {
@@ -101,14 +100,31 @@ UnitChange mirrorBit(const ValueShape &shape, int station, int bitAddress, bool 
     return change;
 }
 
-int countQueued(const VARIABLE &request)
-{
-    const QMutexLocker lock(&driver.mutex);
-    int count = 0;
-    for (int i = 0; i < driver.writeQueue.size(); ++i)
-        count += isSameRequest(driver.writeQueue.at(i), request) ? 1 : 0;
-    return count;
-}
+/// How often a request stands in the queue, counted anew only when the queue has moved.
+class QueuedCount {
+public:
+    explicit QueuedCount(const VARIABLE &request) : m_request(request) {}
+
+    int now()
+    {
+        const QMutexLocker lock(&driver.mutex);
+        const int size = static_cast<int>(driver.writeQueue.size());
+        if (m_size == size && m_finishedWrites == driver.finishedWrites)
+            return m_count;
+        m_size = size;
+        m_finishedWrites = driver.finishedWrites;
+        m_count = 0;
+        for (int i = 0; i < size; ++i)
+            m_count += isSameRequest(driver.writeQueue.at(i), m_request) ? 1 : 0;
+        return m_count;
+    }
+
+private:
+    const VARIABLE &m_request;
+    int m_size = -1;
+    quint32 m_finishedWrites = 0;
+    int m_count = 0;
+};
 
 /// A second write of the same bit counts only when the very same request waits behind the first. The first may have
 /// been settled while the queue was looked at; then this one is the first.
@@ -126,19 +142,15 @@ void countFurtherWrite(const ValueShape &shape, bool waitsBehindFirst, int bitAd
 
 void mirrorBits(const ValueShape &shape, const VARIABLE &request, const quint8 *values)
 {
-    int queued = NOT_COUNTED;
+    QueuedCount queued(request);
     for (int i = 0; i < request.count; ++i) {
         const int bitAddress = request.address + i;
         bool isFirstPending = true;
         const UnitChange change = mirrorBit(shape, request.station, bitAddress, values[i] == 1, isFirstPending);
-        if (shape.bitsPerUnit == 16 && !isFirstPending) {
-            queued = queued == NOT_COUNTED ? countQueued(request) : queued;
-            countFurtherWrite(shape, queued == 2, bitAddress, change.index);
-        }
-        if (!change.isVisible())
-            continue;
-        unitDataChange(shape, &change.before, &change.after, change.index);
-        queued = NOT_COUNTED; // the callback may have posted a write
+        if (shape.bitsPerUnit == 16 && !isFirstPending)
+            countFurtherWrite(shape, queued.now() == 2, bitAddress, change.index);
+        if (change.isVisible())
+            unitDataChange(shape, &change.before, &change.after, change.index);
     }
 }
 

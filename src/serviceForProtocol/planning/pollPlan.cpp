@@ -69,9 +69,10 @@ struct Block {
 
 /// Makes the key part of the block, if it touches it or lies within the gap of the mode, and the block stays within
 /// the limit. A block's start never moves: a key that starts before it may join only if what it has there is covered.
+/// A recipe item whose count makes no sense must not pass as part of a good block.
 bool join(Block &block, const KEY_ADDRESS &key, JoinMode mode)
 {
-    if (key.address < block.coveredFrom || judgeAddrMerge(block.run, key, mode) != 0)
+    if (key.address < block.coveredFrom || key.count < 0 || judgeAddrMerge(block.run, key, mode) != 0)
         return false;
     const int span = wrappingDifference(wrappingSum(key.address, key.count), block.run.address);
     if (span > BLOCK_LIMIT)

@@ -68,24 +68,24 @@ void storeUnit(const ValueShape &shape, int station, int unit, const quint8 *byt
     const int after = unitContents(shape, bytes);
     int index = 0;
     int before = 0;
-    bool hasPendingBits = false;
+    quint32 pendingBits = 0;
     {
         const QMutexLocker lock(&driver.dataAreaMutex);
         index = getIndexOfDataArea(station, shape.keyName, unit, driver.dataAreas);
         const _DATA_ &area = driver.dataAreas.at(index);
         before = unitContents(shape, area.readValue);
-        hasPendingBits = area.pendingBitWrites != 0;
+        pendingBits = area.pendingBitWrites;
     }
     if (before == after)
         return;
     // The queue is looked at after the unit: a write stands in the queue before its bits are counted as pending, so
-    // bits that have become pending since are those of a write that has just been posted.
-    const bool pendingBitsAreLeftOver = hasPendingBits && isWriteQueueEmpty();
+    // bits that become pending from now on are those of a write that is just being posted.
+    const bool pendingBitsAreLeftOver = pendingBits != 0 && isWriteQueueEmpty();
     {
         const QMutexLocker lock(&driver.dataAreaMutex);
         _DATA_ &area = driver.dataAreas[index];
         std::memcpy(area.readValue, bytes, static_cast<std::size_t>(shape.bytesPerUnit));
-        if (area.pendingBitWrites == 0 || pendingBitsAreLeftOver)
+        if (area.pendingBitWrites == 0 || (pendingBitsAreLeftOver && area.pendingBitWrites == pendingBits))
             area.writePending = 0;
     }
     unitDataChange(shape, &before, &after, index);
