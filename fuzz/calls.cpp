@@ -17,6 +17,8 @@ public:
     explicit Host(FuzzedDataProvider &any) : m_any(any)
     {
         driver.recipeIndex = 0;
+        writesFromReports = true;
+        reports = 0;
         intf_setAddrValueChangeCallBack(&Host::changed);
         configures("1#0#0#3#16");
         const QVector<_RCP_VAR_PRO> none;
@@ -28,9 +30,17 @@ public:
     void isServedStill();
 
 private:
-    static int changed(int, int, QString &, int)
+    /// Reads what has changed, and now and then writes something, as a host may.
+    static int changed(int, int station, QString &regName, int address)
     {
         findsNoLockHeld();
+        quint8 values[4] = {};
+        intf_getData(station, regName, address, 1, values);
+        if (writesFromReports && ++reports % 3 == 0) {
+            writesFromReports = false;
+            intf_setData(1, QString::fromLatin1(reports % 2 ? "D" : "D_bit"), address % 64, 1, values, 0);
+            writesFromReports = true;
+        }
         return 0;
     }
 
@@ -42,10 +52,11 @@ private:
         }
     }
 
-    void configures(const std::string &property)
+    static void configures(const std::string &property, bool withBuffer = true)
     {
         int result = -1;
-        intf_initProperty(controlBlock.data(), nullptr, recipeBuffer.data(), &result, property.c_str(), &hostMutex);
+        intf_initProperty(controlBlock.data(), nullptr, withBuffer ? recipeBuffer.data() : nullptr, &result,
+                          property.c_str(), &hostMutex);
     }
 
     int station() { return m_any.ConsumeBool() ? 1 : m_any.PickValueInArray({2, 16, 255, 0, -1, 256, 1 << 30}); }
@@ -60,13 +71,19 @@ private:
     void requestsTransfer();
     void exchanges();
     void asksWithoutArguments();
+    void edits();
     bool exchangesWell();
 
     FuzzedDataProvider &m_any;
     static QMutex hostMutex;
     static std::vector<quint8> controlBlock;
     static std::vector<quint16> recipeBuffer;
+    static bool writesFromReports;
+    static unsigned reports;
 };
+
+bool Host::writesFromReports = true;
+unsigned Host::reports = 0;
 
 QMutex Host::hostMutex;
 std::vector<quint8> Host::controlBlock(60117);
@@ -85,6 +102,10 @@ KEY_ADDRESS Host::key()
 
 void Host::reconfigures()
 {
+    if (m_any.ConsumeIntegralInRange(0, 3) == 0) {
+        intf_setAddrValueChangeCallBack(m_any.ConsumeBool() ? &Host::changed : nullptr);
+        return configures(m_any.ConsumeRandomLengthString(20), m_any.ConsumeBool());
+    }
     const int gap = m_any.PickValueInArray({16, 1, 2, 7, 200, 0, -1, 600, 1 << 29});
     configures("1#" + std::to_string(m_any.ConsumeIntegralInRange(0, 1)) + "#0#" +
                std::to_string(m_any.ConsumeIntegralInRange(-1, 3)) + "#" + std::to_string(gap));
@@ -112,9 +133,9 @@ void Host::plansRecipe()
         item.station = wanted.station;
         item.regName = wanted.regName;
         item.address = wanted.address;
-        item.count = wanted.count > 300 ? wanted.count % 90 : wanted.count;
+        item.count = wanted.count > 300 && wanted.count <= 416000 ? wanted.count % 90 : wanted.count;
         item.bufferOffset = m_any.ConsumeIntegralInRange(0, 15) == 0 ? -offset : offset;
-        offset += std::max(item.count, 0);
+        offset += item.count > 0 && item.count <= 300 ? item.count : 0;
         items.append(item);
     }
     intf_setRcpAddress(&items);
@@ -193,6 +214,19 @@ void Host::asksWithoutArguments()
     intf_getData(1, anyRegName(m_any), 0, 1, nullptr);
 }
 
+void Host::edits()
+{
+    QStringList texts;
+    intf_getRegListByType(anyNumber(m_any), texts);
+    intf_getRegDiscription(anyRegName(m_any), texts);
+    QVector<QString> addressTexts;
+    QVector<int> numbers;
+    intf_multiCopy(anyRegName(m_any), anyNumber(m_any), std::min(anyNumber(m_any), 100), anyNumber(m_any), addressTexts,
+                   numbers);
+    require(addressTexts.size() == numbers.size(), "a text for each number");
+    intf_SetDriverPropertyPage(QString::fromStdString(m_any.ConsumeRandomLengthString(9)));
+}
+
 void Host::callsAnything()
 {
     switch (m_any.ConsumeIntegralInRange(0, 14)) {
@@ -212,7 +246,7 @@ void Host::callsAnything()
     case 7:
         return requestsTransfer();
     case 8:
-        return asksWithoutArguments();
+        return m_any.ConsumeBool() ? asksWithoutArguments() : edits();
     default:
         return exchanges();
     }
@@ -251,6 +285,7 @@ bool Host::exchangesWell()
 /// A host that asks for one word, and answers all that comes, has the word within as many calls as there is work.
 void Host::isServedStill()
 {
+    writesFromReports = false;
     QList<KEY_ADDRESS> keys;
     KEY_ADDRESS wanted;
     wanted.station = 1;

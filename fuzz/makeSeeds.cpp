@@ -30,6 +30,30 @@ private:
     int m_count = 0;
 };
 
+/// An input whose choices are made by these bytes, the first of them first: FuzzedDataProvider takes numbers from the
+/// end.
+Bytes withChoices(Bytes bytes, const Bytes &choices)
+{
+    bytes.insert(bytes.end(), choices.rbegin(), choices.rend());
+    return bytes;
+}
+
+/// Good replies to every way of asking for two values of every kind, and what else a link may bring.
+std::vector<Bytes> repliesForEveryKind()
+{
+    std::vector<Bytes> inputs;
+    for (unsigned char kind = 0; kind < std::size(KINDS); ++kind) {
+        for (unsigned char mode = 0; mode < 5; ++mode) {
+            // Kind, station 1, address 200, count 2, way of asking, not wrapped.
+            const Bytes choices = {kind, 0, 0, 200, 1, mode, 0};
+            for (const Bytes &answer : {reply(words({0x1234, 0x1010})), reply(words({0x1234})), reply({1}),
+                                        acknowledgement(), refusal(3), Bytes()})
+                inputs.push_back(withChoices(answer, choices));
+        }
+    }
+    return inputs;
+}
+
 /// What the driver sends to read and to write a few units of every kind.
 std::vector<Bytes> requestsOfEveryKind()
 {
@@ -62,15 +86,15 @@ int main(int argc, char **argv)
     }
     const std::filesystem::path top = argv[1];
     Folder replies(top / "replies");
-    for (const Bytes &answer : {reply(words({0x1234, 0x1010})), reply({1}), acknowledgement(), refusal(3), Bytes()})
-        replies.add(answer);
+    for (const Bytes &input : repliesForEveryKind())
+        replies.add(input);
     Folder requests(top / "requests");
     for (const Bytes &request : requestsOfEveryKind())
-        requests.add(request);
+        requests.add(withChoices(request, {1, 0, 0, static_cast<unsigned char>(request.size() - 1)}));
     Folder texts(top / "texts");
     for (const char *text : {"D100", "X377", "D_bit100.15", "SM9000", "1#0#0#3#16"})
         texts.add(std::string(text));
-    Folder calls(top / "calls");
+    Folder calls(top / "calls"); // nothing there but choices
     for (unsigned seed = 0; seed < 20; ++seed) {
         Bytes any;
         for (unsigned i = 0; i < 60 * (seed + 1); ++i)

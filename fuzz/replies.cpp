@@ -1,6 +1,6 @@
 /// Any bytes as the reply to a frame in flight: what is not a good reply changes nothing, and the driver goes on.
 ///
-/// The first bytes of an input choose the request; the rest is the reply as it comes from the link.
+/// The last bytes of an input choose the request; the rest is the reply as it comes from the link.
 #include "fuzzSupport.h"
 #include "model/protocol.h"
 
@@ -33,6 +33,18 @@ Bytes readContents()
     return contents;
 }
 
+void plansTransfer(int station, const QString &regName, int address, int count)
+{
+    _RCP_VAR_PRO item;
+    item.instanceId = 1;
+    item.station = station;
+    item.regName = regName;
+    item.address = address;
+    item.count = std::min(count, 32);
+    const QVector<_RCP_VAR_PRO> items = QVector<_RCP_VAR_PRO>() << item;
+    intf_setRcpAddress(&items);
+}
+
 /// @return whether a frame is in flight.
 bool asks(FuzzedDataProvider &input, FRAME_PRO &frame)
 {
@@ -42,7 +54,7 @@ bool asks(FuzzedDataProvider &input, FRAME_PRO &frame)
     const int count = input.ConsumeIntegralInRange<int>(1, 40);
     int result = 0;
     intf_initProperty(controlBlock.data(), nullptr, recipeBuffer.data(), &result, "1#0#0#2#200", &hostMutex);
-    switch (input.ConsumeIntegralInRange<int>(0, 2)) {
+    switch (input.ConsumeIntegralInRange<int>(0, 4)) {
     case 0: {
         KEY_ADDRESS key;
         key.station = station;
@@ -58,17 +70,22 @@ bool asks(FuzzedDataProvider &input, FRAME_PRO &frame)
         intf_setData(station, regName, address, count, values.data(), 0);
         break;
     }
-    default: {
-        _RCP_VAR_PRO item;
-        item.instanceId = 1;
-        item.station = station;
-        item.regName = regName;
-        item.address = address;
-        item.count = std::min(count, 32);
-        const QVector<_RCP_VAR_PRO> items = QVector<_RCP_VAR_PRO>() << item;
-        intf_setRcpAddress(&items);
-        controlBlock[60116] = 1;
+    case 2: {
+        KEY_ADDRESS key;
+        key.station = station;
+        key.regName = regName;
+        key.address = address;
+        key.count = count;
+        intf_addConditionRead(&key, 0);
+        break;
     }
+    case 3:
+        plansTransfer(station, regName, address, count);
+        controlBlock[60115] = 1;
+        break;
+    default:
+        plansTransfer(station, regName, address, count);
+        controlBlock[60116] = 1;
     }
     return intf_getSendFrame(&frame) == 1;
 }
@@ -100,6 +117,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
         FRAME_PRO again;
         require(intf_getSendFrame(&again) == 1 && again.frameLength == frame.frameLength, "the frame goes out again");
     }
+    controlBlock[60115] = 0;
     controlBlock[60116] = 0;
     return 0;
 }
