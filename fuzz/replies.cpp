@@ -33,14 +33,14 @@ Bytes readContents()
     return contents;
 }
 
-void plansTransfer(int station, const QString &regName, int address, int count)
+void plansTransfer(const KEY_ADDRESS &key)
 {
     _RCP_VAR_PRO item;
     item.instanceId = 1;
-    item.station = station;
-    item.regName = regName;
-    item.address = address;
-    item.count = std::min(count, 32);
+    item.station = key.station;
+    item.regName = key.regName;
+    item.address = key.address;
+    item.count = std::min(key.count, 32);
     const QVector<_RCP_VAR_PRO> items = QVector<_RCP_VAR_PRO>() << item;
     intf_setRcpAddress(&items);
 }
@@ -48,43 +48,33 @@ void plansTransfer(int station, const QString &regName, int address, int count)
 /// @return whether a frame is in flight.
 bool asks(FuzzedDataProvider &input, FRAME_PRO &frame)
 {
-    const QString regName = anyRegName(input);
-    const int station = input.PickValueInArray({1, 16, 255});
-    const int address = input.ConsumeIntegralInRange<int>(0, 300);
-    const int count = input.ConsumeIntegralInRange<int>(1, 40);
+    KEY_ADDRESS key;
+    key.regName = anyRegName(input);
+    key.station = input.PickValueInArray({1, 16, 255});
+    key.address = input.ConsumeIntegralInRange<int>(0, 300);
+    key.count = input.ConsumeIntegralInRange<int>(1, 40);
     int result = 0;
     intf_initProperty(controlBlock.data(), nullptr, recipeBuffer.data(), &result, "1#0#0#2#200", &hostMutex);
     switch (input.ConsumeIntegralInRange<int>(0, 4)) {
     case 0: {
-        KEY_ADDRESS key;
-        key.station = station;
-        key.regName = regName;
-        key.address = address;
-        key.count = count;
         const QList<KEY_ADDRESS> keys = QList<KEY_ADDRESS>() << key;
         intf_addrMerge(&keys);
         break;
     }
     case 1: {
-        const Bytes values(static_cast<std::size_t>(count) * 2, 1);
-        intf_setData(station, regName, address, count, values.data(), 0);
+        const Bytes values(static_cast<std::size_t>(key.count) * 2, 1);
+        intf_setData(key.station, key.regName, key.address, key.count, values.data(), 0);
         break;
     }
-    case 2: {
-        KEY_ADDRESS key;
-        key.station = station;
-        key.regName = regName;
-        key.address = address;
-        key.count = count;
+    case 2:
         intf_addConditionRead(&key, 0);
         break;
-    }
     case 3:
-        plansTransfer(station, regName, address, count);
+        plansTransfer(key);
         controlBlock[60115] = 1;
         break;
     default:
-        plansTransfer(station, regName, address, count);
+        plansTransfer(key);
         controlBlock[60116] = 1;
     }
     return intf_getSendFrame(&frame) == 1;

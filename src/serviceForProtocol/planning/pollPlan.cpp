@@ -9,8 +9,6 @@
 #include "tanek_vs/registerNames.h"
 
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -40,22 +38,6 @@ void convertRecipeKey(KEY_ADDRESS &key)
     const int kind = getIndexFromRegName(key.regName);
     if (kind >= 0 && valueWidthOf(kind) != 1)
         key.count = unitsOfWords(key.count, unitWidthOf(kind));
-}
-
-void sortByWeight(QList<KEY_ADDRESS> &keys)
-{
-    typedef std::pair<quint32, int> WeightAndPlace; // ordered by weight, then place: keys of one weight keep theirs
-    std::vector<WeightAndPlace> order;
-    order.reserve(static_cast<std::size_t>(keys.size()));
-    for (int i = 0; i < keys.size(); ++i) {
-        const KEY_ADDRESS &key = keys.at(i);
-        order.push_back(WeightAndPlace(getRegAddressWeight(key.station, key.regName, key.address), i));
-    }
-    std::sort(order.begin(), order.end());
-    QList<KEY_ADDRESS> sorted;
-    for (const WeightAndPlace &entry : order)
-        sorted.append(keys.at(entry.second));
-    keys = sorted;
 }
 
 /// A block of the plan, in the making.
@@ -183,7 +165,7 @@ void addrMerge(QList<KEY_ADDRESS> &keys, int mode)
     for (int i = 0; i < keys.size(); ++i)
         (forRecipe ? convertRecipeKey : convertPollKey)(keys[i]);
     if (!forRecipe)
-        sortByWeight(keys);
+        keys = sortedByWeight(keys);
 
     BlockBuilder builder(forRecipe);
     for (int i = 0; i < keys.size(); ++i)

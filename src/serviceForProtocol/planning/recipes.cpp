@@ -8,8 +8,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -18,18 +16,12 @@ const int COUNT_OF_NO_REQUEST = -2;
 
 QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items)
 {
-    typedef std::pair<quint32, int> WeightAndPlace; // ordered by weight, then by the host's order
-    std::vector<WeightAndPlace> order;
+    QVector<_RCP_VAR_PRO> own;
     for (int i = 0; i < items.size(); ++i) {
-        const _RCP_VAR_PRO &item = items.at(i);
-        if (item.instanceId == driver.instanceId)
-            order.push_back(WeightAndPlace(getRegAddressWeight(item.station, item.regName, item.address), i));
+        if (items.at(i).instanceId == driver.instanceId)
+            own.append(items.at(i));
     }
-    std::sort(order.begin(), order.end());
-    QVector<_RCP_VAR_PRO> sorted;
-    for (const WeightAndPlace &entry : order)
-        sorted.append(items.at(entry.second));
-    return sorted;
+    return sortedByWeight(own);
 }
 
 /// An item longer than any kind would be cut into pieces without end; it gets one block that cannot be sent.
