@@ -1,5 +1,5 @@
 /// Writes the inputs that the fuzzers start from, a folder for each target: the frames and texts of the tests.
-#include "model/protocol.h"
+#include "support/kinds.h"
 #include "support/wire.h"
 #include "tanek_vs/requestFrames.h"
 
@@ -8,9 +8,6 @@
 #include <iostream>
 
 namespace {
-
-const char *const KINDS[] = {"32C", "C",  "T",     "R",     "SD",     "D",         "X",      "Y",        "M",
-                             "S",   "SM", "D_bit", "R_bit", "T_Coil", "T_Contact", "C_Coil", "C_Contact"};
 
 class Folder {
 public:
@@ -42,7 +39,7 @@ Bytes withChoices(Bytes bytes, const Bytes &choices)
 std::vector<Bytes> repliesForEveryKind()
 {
     std::vector<Bytes> inputs;
-    for (unsigned char kind = 0; kind < std::size(KINDS); ++kind) {
+    for (unsigned char kind = 0; kind < kinds().size(); ++kind) {
         for (unsigned char mode = 0; mode < 5; ++mode) {
             // Kind, station 1, address 200, count 2, way of asking, not wrapped.
             const Bytes choices = {kind, 0, 0, 200, 1, mode, 0};
@@ -58,18 +55,16 @@ std::vector<Bytes> repliesForEveryKind()
 std::vector<Bytes> requestsOfEveryKind()
 {
     std::vector<Bytes> requests;
-    for (const char *kind : KINDS) {
+    for (const Kind &kind : kinds()) {
         VARIABLE wanted;
         wanted.station = 1;
-        wanted.regName = QString::fromLatin1(kind);
-        wanted.address = wanted.regName.startsWith(QLatin1Char('S')) ? 9016 : 206;
+        wanted.regName = QString::fromLatin1(kind.name);
+        wanted.address = kind.lowest + 16;
         wanted.count = 3;
         wanted.data[0] = 0x10;
-        driver.frameQueue.clear();
-        getWriteFrame(wanted);
-        getReadFrame(QList<VARIABLE>() << wanted);
-        for (int i = 0; i < driver.frameQueue.size(); ++i) {
-            const FRAME_PRO &frame = driver.frameQueue.at(i);
+        for (const auto &build : {&buildWriteFrame, &buildReadFrame}) {
+            FRAME_PRO frame;
+            build(wanted, frame);
             requests.push_back(Bytes(frame.frame, frame.frame + frame.frameLength));
         }
     }

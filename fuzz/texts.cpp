@@ -1,18 +1,14 @@
 /// Any text as a register name, an address, a property: an answer with a known code, and a number only for a text that
 /// the number's own text means the same as.
 #include "fuzzSupport.h"
-#include "model/protocol.h"
 #include "serviceForProtocol/cache/cacheReads.h"
 
 namespace {
 
-QMutex hostMutex;
-std::vector<quint8> controlBlock(60117);
-
 void checksAddress(FuzzedDataProvider &input)
 {
-    const QString regName = anyRegName(input);
-    const QString text = QString::fromStdString(input.ConsumeRandomLengthString(20));
+    const QString regName = qt(anyRegName(input));
+    const QString text = qt(input.ConsumeRandomLengthString(20));
     const int count = anyNumber(input);
     const int access = input.ConsumeIntegralInRange<int>(-1, 2);
     int number = -12345;
@@ -33,26 +29,17 @@ void checksAddress(FuzzedDataProvider &input)
             "the text of a number means that number");
 }
 
-void configures(FuzzedDataProvider &input)
-{
-    const std::string property = input.ConsumeRandomLengthString(40);
-    int result = -1;
-    require(intf_initProperty(controlBlock.data(), nullptr, nullptr, &result, property.c_str(), &hostMutex) == 1 &&
-                result == 0,
-            "every property text is taken");
-}
-
 void asksForTexts(FuzzedDataProvider &input)
 {
     QStringList texts;
-    intf_getRegDiscription(anyRegName(input), texts);
+    intf_getRegDiscription(qt(anyRegName(input)), texts);
     require(texts.isEmpty() || texts.size() == 5, "five texts or none");
     texts.clear();
     intf_getRegListByType(anyNumber(input), texts);
     require(texts.size() == 6 || texts.size() == 11, "kinds of words or of bits");
     const std::string any = input.ConsumeRandomLengthString(20);
     asc2hex(QByteArray(any.data(), static_cast<int>(any.size())), anyNumber(input));
-    intf_SetDriverPropertyPage(QString::fromStdString(any));
+    intf_SetDriverPropertyPage(qt(any));
 }
 
 void copiesAddresses(FuzzedDataProvider &input)
@@ -60,9 +47,9 @@ void copiesAddresses(FuzzedDataProvider &input)
     QVector<QString> texts;
     QVector<int> numbers;
     const int number = std::min(anyNumber(input), 500);
-    const QString regName = anyRegName(input);
+    const std::string regName = anyRegName(input);
     const int start = anyNumber(input);
-    const int result = intf_multiCopy(regName, start, number, anyNumber(input), texts, numbers);
+    const int result = intf_multiCopy(qt(regName), start, number, anyNumber(input), texts, numbers);
     require(texts.size() == numbers.size(), "a text for each number");
     require(numbers.size() == (result == 0 || number < 0 ? 0 : number), "as many as were wanted");
 }
@@ -75,6 +62,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
     checksAddress(input);
     copiesAddresses(input);
     asksForTexts(input);
-    configures(input);
+    Host(linkedCalls()).configures(input.ConsumeRandomLengthString(40).c_str());
     return 0;
 }

@@ -1,119 +1,93 @@
 /// The communication thread in full poll, two threads that post writes, two that read values, a host that asks for
 /// recipes, and a callback that reads and writes: all at once. Meant for the thread sanitizer above all.
 #include "model/protocol.h"
-#include "simulator/controller.h"
-#include "support/wire.h"
+#include "support/screen.h"
+
+#include <QtCore/QMutexLocker>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <map>
-#include <set>
+#include <random>
 #include <thread>
 
 namespace {
 
 const std::uintptr_t WRITES = 60000;
 const int READS_PER_THREAD = 60000;
-const int MOST_WAITING = 40; ///< writes in the queue, far from where it drops any
+const int MOST_WAITING = 40;
 
 /// The callback answers a change of the one with a write of the other; both are polled.
 const int MOVING_WORD = 30;
 const int FOLLOWING_WORD = 31;
 
-/// A word whose high byte says whether it is whole.
+/// The low byte of a word, with a high byte that says whether it is whole.
 int marked(std::uintptr_t number) { return static_cast<int>((number & 0xff) | (~number & 0xff) << 8); }
 bool isWhole(int word) { return word == 0 || word == marked(static_cast<std::uintptr_t>(word)); }
 
-const int WORDS_OF_BITS[] = {20, 21};
-bool holdsBits(int address) { return address == WORDS_OF_BITS[0] || address == WORDS_OF_BITS[1]; }
+/// Words 20 and 21 are written bit by bit, and now and then whole.
+bool holdsBits(int address) { return address == 20 || address == 21; }
 
 struct Write {
-    const char *regName;
-    int address;
-    int hostCount;
+    Place place;
     Bytes values;
 };
 
-/// What the write of that number writes. Even and odd numbers are of different threads, and meet at every address but
-/// those of bits in words, where they meet in the words.
+/// What the write of that number writes. Even and odd numbers are of different threads, and meet everywhere.
 Write writeOf(std::uintptr_t number)
 {
     const int spread = static_cast<int>(number / 10);
+    const auto bit = static_cast<unsigned char>(number * 2654435761U >> 20 & 1U);
     switch (number / 2 % 5) {
     case 0:
-        return {"D", spread % 16, 1, words({marked(number)})};
+        return {{"D", spread % 16}, words({marked(number)})};
     case 1:
-        return {"D_bit",
-                320 + static_cast<int>(number % 2) + 2 * (spread % 16),
-                1,
-                {static_cast<unsigned char>(number * 2654435761U >> 20 & 1U)}};
+        return {{"D_bit", 320 + spread % 32}, {bit}};
     case 2:
-        return {"M", spread % 16, 1, {static_cast<unsigned char>(number * 2654435761U >> 20 & 1U)}};
+        return {{"M", spread % 16}, {bit}};
     case 3:
-        return {"D", 40, 1, words({marked(number)})};
+        return spread % 4 == 0 ? Write{{"D", 20 + spread % 2}, words({static_cast<int>(number & 0xffff)})}
+                               : Write{{"D", 40}, words({marked(number)})};
     default:
-        return {"32C", 200 + spread % 4, 2, words({marked(number), marked(number + 1)})};
+        return {{"32C", 200 + spread % 4}, words({marked(number), marked(number + 1)})};
     }
 }
 
-int wordAt(int address)
+std::vector<Place> polledPlaces()
 {
-    quint8 bytes[2] = {};
-    intf_getData(1, QString::fromLatin1("D"), address, 1, bytes);
-    return bytes[0] + 256 * bytes[1];
+    std::vector<Place> places;
+    for (int i = 0; i < 50; ++i)
+        places.push_back({"D", i});
+    for (int i = 0; i < 32; ++i)
+        places.push_back({"D_bit", 320 + i});
+    for (int i = 0; i < 16; ++i)
+        places.push_back({"M", i});
+    for (int i = 0; i < 4; ++i)
+        places.push_back({"32C", 200 + i});
+    return places;
 }
 
-class Threads : public ::testing::Test {
+class Threads : public ::testing::Test, protected Host {
 protected:
-    Threads() : controller({1})
+    Threads() : Host(linkedCalls())
     {
-        int result = 0;
-        intf_setAddrValueChangeCallBack(&Threads::changed);
-        intf_initProperty(controlBlock.data(), nullptr, recipeBuffer.data(), &result, "1#0#0#2#16", &hostMutex);
-        driver.recipeIndex = 0;
-        polls();
-        _RCP_VAR_PRO item;
-        item.instanceId = 1;
-        item.station = 1;
-        item.regName = QString::fromLatin1("R");
-        item.count = 40;
-        const QVector<_RCP_VAR_PRO> items = QVector<_RCP_VAR_PRO>() << item;
-        intf_setRcpAddress(&items);
-        controller.addFault("silence:p=0.02");
-        controller.addFault("error:p=0.02");
-    }
-    ~Threads() override { intf_setAddrValueChangeCallBack(nullptr); }
-
-    static void polls()
-    {
-        const struct {
-            const char *regName;
-            int address, count;
-        } wanted[] = {{"D", 0, 50}, {"D_bit", 320, 16}, {"D_bit", 336, 16}, {"M", 0, 16}, {"32C", 200, 8}};
-        QList<KEY_ADDRESS> keys;
-        for (const auto &one : wanted) {
-            KEY_ADDRESS key;
-            key.station = 1;
-            key.regName = QString::fromLatin1(one.regName);
-            key.address = one.address;
-            key.count = one.count;
-            keys.append(key);
-        }
-        intf_addrMerge(&keys);
+        notesReports = false;
+        configures(2, 16);
+        screen.polls(polledPlaces());
+        plansRecipe({recipeItem("R", 0, 40, 0)});
+        whenReported = [this](const Report &report) { changed(report); };
     }
 
-    static int changed(int, int station, QString &regName, int address)
+    void changed(const Report &report)
     {
-        if (station != 1 || regName != QString::fromLatin1("D"))
-            return 0;
-        if (!holdsBits(address) && !isWhole(wordAt(address)))
+        screen.refresh(report);
+        if (report.regName != "D")
+            return;
+        if (!holdsBits(report.address) && !isWhole(word(report.address)))
             ++tornWords;
-        if (address == MOVING_WORD) {
-            const Bytes values = words({marked(static_cast<std::uintptr_t>(wordAt(MOVING_WORD)))});
-            intf_setData(1, regName, FOLLOWING_WORD, 1, values.data(), 0);
-        }
-        return 0;
+        if (report.address == MOVING_WORD)
+            writes("D", FOLLOWING_WORD, 1, words({marked(static_cast<std::uintptr_t>(word(MOVING_WORD)))}));
     }
 
     static int waitingWrites()
@@ -122,93 +96,72 @@ protected:
         return static_cast<int>(driver.writeQueue.size());
     }
 
-    /// One request and what the controller makes of it.
-    bool transacts()
+    /// One request and what the controller makes of it: 2 % are lost, 2 % refused.
+    void transacts(bool withFaults)
     {
-        FRAME_PRO frame;
-        if (intf_getSendFrame(&frame) == 0)
-            return false;
-        QByteArray reply;
-        for (const vssim::Frame &request :
-             vssim::FrameReader().feed(frame.frame, static_cast<std::size_t>(frame.frameLength))) {
-            if (const auto answer = controller.answer(request))
-                reply = arrayOf(answer->bytes);
-        }
-        QString description;
-        const bool isPostedWrite = frame.readCount == 0 && frame.variable.hostContext != 0;
-        if (intf_dealRcvFrame(reply, description) == 1 && isPostedWrite)
+        if (sends() == "nothing")
+            return;
+        const bool isWrite = driver.transactionKind == TransactionWrite; // and not a recipe's
+        const std::uint_fast32_t fault = withFaults ? random() % 50 : 2;
+        const Bytes answer = fault == 0 ? Bytes() : fault == 1 ? refusal(4) : memory.answer(frame);
+        if (receives(answer) == 1 && isWrite && frame.variable.hostContext != 0)
             confirmed.push_back(frame.variable.hostContext);
-        if (++transactions % 16 == 0 && !isDone)
-            controller.write(1, "D", MOVING_WORD, static_cast<std::uint32_t>(marked(transactions)));
-        return true;
+        if (++transactions % 16 == 0 && withFaults)
+            memory.unit(1, "D", MOVING_WORD) = static_cast<std::uint32_t>(marked(transactions));
     }
 
-    /// What the controller has where the write went.
-    Bytes heldBytes(const Write &write) const
-    {
-        const auto held = controller.read(1, write.regName, static_cast<std::uint32_t>(write.address)).value();
-        Bytes bytes;
-        for (std::size_t k = 0; k < write.values.size(); ++k)
-            bytes.push_back(static_cast<unsigned char>(held >> (8 * k)));
-        return bytes;
-    }
-
-    static void postsWrites(std::uintptr_t first)
+    void postsWrites(std::uintptr_t first)
     {
         for (std::uintptr_t number = first; number < WRITES; number += 2) {
-            while (waitingWrites() > MOST_WAITING)
+            // Now and then more writes than the queue holds, so that they displace each other.
+            const bool floods = number / 2000 % 5 == 4;
+            while (!floods && waitingWrites() > MOST_WAITING)
                 std::this_thread::yield();
             const Write write = writeOf(number);
-            intf_setData(1, QString::fromLatin1(write.regName), write.address, write.hostCount, write.values.data(),
-                         number);
+            writes(write.place.regName, write.place.address, kindNamed(write.place.regName).hostCount(), write.values,
+                   1, number);
         }
     }
 
-    static void readsValues()
+    void readsValues()
     {
-        const char *const names[] = {"D", "D_bit", "M", "32C"};
-        quint8 bytes[64];
-        for (int i = 0; i < READS_PER_THREAD; ++i) {
-            intf_getData(1, QString::fromLatin1(names[i % 4]), i % 4 == 1 ? 320 : i % 4 == 3 ? 200 : 0, 8, bytes);
-            if (!isWhole(wordAt(i % 16)))
-                ++tornWords;
-        }
+        const Place places[] = {{"D", 0}, {"D_bit", 320}, {"M", 0}, {"32C", 200}};
+        for (int i = 0; i < READS_PER_THREAD; ++i)
+            reads(places[i % 4].regName, places[i % 4].address, 8);
     }
 
     void asksForRecipes()
     {
-        for (; !isDone; std::this_thread::sleep_for(std::chrono::milliseconds(1))) {
+        while (!isDone) {
             const QMutexLocker lock(&hostMutex);
-            recipes += controlBlock[60116] == 0 ? 1 : 0;
-            controlBlock[60116] = 1;
+            if (isAsked(DOWNLOAD_BYTE) || isAsked(UPLOAD_BYTE))
+                continue;
+            asks(++recipes % 2 == 0 ? DOWNLOAD_BYTE : UPLOAD_BYTE);
         }
     }
 
-    vssim::Controller controller;
-    std::vector<quint8> controlBlock = std::vector<quint8>(60117);
-    std::vector<quint16> recipeBuffer = std::vector<quint16>(40);
-    QMutex hostMutex;
+    Memory memory;
+    Screen screen{*this};
+    std::mt19937 random{1};
     std::vector<std::uintptr_t> confirmed; ///< numbers of the writes, in the order of the wire
     std::uintptr_t transactions = 0;
     int recipes = 0;
     std::atomic<bool> isDone{false};
-    static std::atomic<int> tornWords;
+    std::atomic<int> tornWords{0};
 };
-
-std::atomic<int> Threads::tornWords{0};
 
 TEST_F(Threads, writeReadAndPollAtOnceAndAllIsAccountedFor)
 {
     std::thread communication([this] {
         while (!isDone || waitingWrites() > 0)
-            transacts();
+            transacts(!isDone);
     });
     std::thread host([this] { asksForRecipes(); });
     std::vector<std::thread> others;
-    others.emplace_back(&Threads::postsWrites, 10);
-    others.emplace_back(&Threads::postsWrites, 11);
-    others.emplace_back(&Threads::readsValues);
-    others.emplace_back(&Threads::readsValues);
+    others.emplace_back([this] { postsWrites(10); });
+    others.emplace_back([this] { postsWrites(11); });
+    others.emplace_back([this] { readsValues(); });
+    others.emplace_back([this] { readsValues(); });
     for (std::thread &thread : others)
         thread.join();
     isDone = true;
@@ -219,39 +172,28 @@ TEST_F(Threads, writeReadAndPollAtOnceAndAllIsAccountedFor)
     EXPECT_GT(recipes, 10);
     EXPECT_GT(transactions, 10000U);
     EXPECT_GT(confirmed.size(), 1000U);
-    EXPECT_TRUE(driver.writesBeingMirrored.isEmpty());
-    for (int i = 0; i < driver.dataAreas.size(); ++i) {
-        const _DATA_ &area = driver.dataAreas.at(i);
-        if (!holdsBits(area.address))
-            EXPECT_EQ(area.writePending, 0) << area.regName.toStdString() << area.address;
-    }
+    EXPECT_EQ(screen.stale(), "");
+    EXPECT_TRUE(driver.writesBeingMirrored.isEmpty() && driver.displacedWrites.isEmpty());
+    for (const _DATA_ &area : driver.dataAreas)
+        EXPECT_TRUE(area.writePending == 0 && area.pendingBitWrites == 0 && area.bitRequests == 0)
+            << plain(area.regName) << area.address;
 
     // Neither fault lets a request be carried out: what the controller has is what was confirmed last.
-    std::map<std::pair<std::string, int>, std::uintptr_t> last;
-    for (const std::uintptr_t number : confirmed)
-        last[{writeOf(number).regName, writeOf(number).address}] = number;
-    for (const auto &entry : last) {
-        const Write write = writeOf(entry.second);
-        EXPECT_EQ(heldBytes(write), write.values) << write.regName << " " << write.address;
+    std::map<std::string, Write> last;
+    for (const std::uintptr_t number : confirmed) {
+        const Write write = writeOf(number);
+        if (write.place.regName != "D_bit" && !holdsBits(write.place.address))
+            last[write.place.regName + std::to_string(write.place.address)] = write;
     }
-    // A poll shows all that; of words whose bits were written in a row, once their contents change.
-    controller.clearFaults();
-    for (const int address : WORDS_OF_BITS) {
-        const auto number = static_cast<std::uint32_t>(address);
-        controller.write(1, "D", number, controller.read(1, "D", number).value() ^ 0xffffU);
-    }
-    controller.write(1, "D", MOVING_WORD, static_cast<std::uint32_t>(marked(77)));
+    for (const auto &entry : last)
+        EXPECT_EQ(memory.bytesOf(entry.second.place), entry.second.values) << entry.first;
+
     for (int i = 0; i < 40; ++i)
-        transacts();
-    for (const auto &entry : last) {
-        const Write write = writeOf(entry.second);
-        Bytes shown(write.values.size());
-        intf_getData(1, QString::fromLatin1(write.regName), write.address, write.hostCount, shown.data());
-        EXPECT_EQ(shown, heldBytes(write)) << write.regName << " " << write.address;
-    }
-    EXPECT_EQ(wordAt(FOLLOWING_WORD), marked(77));
+        transacts(false);
+    EXPECT_EQ(screen.stale() + screen.wrong(memory), "");
+    EXPECT_EQ(word(FOLLOWING_WORD), word(MOVING_WORD));
     std::printf("%zu writes posted, %zu confirmed, %d values read, %zu transactions, %d recipes\n", WRITES - 10,
-                confirmed.size(), 4 * READS_PER_THREAD, transactions, recipes);
+                confirmed.size(), 2 * READS_PER_THREAD, transactions, recipes);
 }
 
 } // namespace

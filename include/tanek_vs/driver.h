@@ -20,7 +20,7 @@
 #ifndef TANEK_VS_DRIVER_H
 #define TANEK_VS_DRIVER_H
 
-#include "tanek_vs/records.h"
+#include <tanek_vs/records.h>
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>

@@ -2,6 +2,8 @@
 #ifndef TANEK_VS_DATA_AREA_H
 #define TANEK_VS_DATA_AREA_H
 
+#include "model/registerTable.h"
+
 #include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QtGlobal>
@@ -24,6 +26,8 @@ struct _DATA_ {
     /// Both least significant byte first; narrow units use the first bytes.
     quint8 readValue[4] = {};
     quint8 writeValue[4] = {};
+    /// Requests in the write queue that write single bits of this unit.
+    quint32 bitRequests = 0;
 };
 
 /// What identifies a device unit.
@@ -35,7 +39,7 @@ struct DataAreaKey {
 
 inline bool operator==(const DataAreaKey &left, const DataAreaKey &right)
 {
-    return left.address == right.address && left.station == right.station && left.regName == right.regName;
+    return left.address == right.address && left.station == right.station && isSameName(left.regName, right.regName);
 }
 
 /// Neighbouring addresses of one kind must not collide: the address is mixed in by a multiplication that spreads it.

@@ -3,13 +3,15 @@
 #define TANEK_VS_PROTOCOL_H
 
 #include "model/dataArea.h"
-#include "tanek_vs/driver.h"
+
+#include <tanek_vs/driver.h>
 
 #include <QtCore/QHash>
 #include <QtCore/QList>
 #include <QtCore/QMutex>
 #include <QtCore/QString>
 #include <QtCore/QVector>
+#include <QtCore/QtGlobal>
 
 /// Values of Protocol::transactionKind.
 enum TransactionKind {
@@ -19,6 +21,12 @@ enum TransactionKind {
     TransactionBlockRead = 4,
     TransactionRecipeWrite = 5,
     TransactionRecipeRead = 6
+};
+
+/// A request that has left the write queue unsent, for another that found it full.
+struct DisplacedWrite {
+    quint32 number;
+    VARIABLE request;
 };
 
 class Protocol {
@@ -85,13 +93,20 @@ public:
     QMutex dataAreaMutex;
     /// Where in `dataAreas` a unit is.
     QHash<DataAreaKey, int> dataAreaIndex;
-    /// Requests that have left `writeQueue`, and so the number of its head: each request has the number of its place
-    /// in the order of all. Guarded by `mutex`.
-    quint32 finishedWrites = 0;
-    /// Numbers of the requests that stand in `writeQueue` but not yet, in full, in the cache. Guarded by `mutex`. The
-    /// communication thread does not send them: settled before it is mirrored, a write would stay outstanding in the
-    /// cache for good.
+
+    // Guarded by `mutex`.
+    /// The number of each place in `writeQueue`, given when a request is appended or displaces another; a request that
+    /// replaces one for the same run takes over its number.
+    QList<quint32> writeNumbers;
+    quint32 lastWriteNumber = 0;
+    /// Numbers of the requests whose values the cache does not show in full yet, one for each call that is at it. They
+    /// are neither sent nor settled: settled before it is shown, a write would stay outstanding in the cache for good.
     QList<quint32> writesBeingMirrored;
+    /// Requests that were displaced from `writeQueue` while they were being mirrored.
+    QList<DisplacedWrite> displacedWrites;
+
+    /// The recipe was planned anew since the last recipe block was begun.
+    bool recipePlanReplaced = false;
 };
 
 extern Protocol driver;

@@ -1,5 +1,5 @@
 /// Holds the records of the boundary to their layout: a host compiled long ago must find every field where it was.
-#include "tanek_vs/records.h"
+#include <tanek_vs/records.h>
 
 #include <cstddef>
 

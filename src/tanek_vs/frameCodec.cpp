@@ -1,8 +1,14 @@
 #include "tanek_vs/frameCodec.h"
 
-#include "tanek_vs/records.h"
+#include "tanek_vs/wireFormat.h"
+
+#include <tanek_vs/records.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QtGlobal>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace {
@@ -16,10 +22,10 @@ quint8 hexDigit(unsigned nibble) { return static_cast<quint8>(nibble < 10 ? '0' 
 
 quint16 computate_check(const quint8 *bytes, quint16 length)
 {
-    unsigned sum = 0;
+    quint8 sum = 0;
     for (int i = 0; i < length; ++i)
-        sum += bytes[i];
-    const unsigned high = hexDigit((sum >> 4) & 0x0FU);
+        sum = static_cast<quint8>(sum + bytes[i]);
+    const unsigned high = hexDigit(sum >> 4);
     const unsigned low = hexDigit(sum & 0x0FU);
     return static_cast<quint16>(high | (low << 8));
 }
@@ -31,6 +37,8 @@ bool dealFrameSend_0x10(quint8 *frame, int &length)
     if (length > RECORD_BUFFER_SIZE)
         return false;
     const int bodyEnd = length - FRAME_TRAILER_SIZE;
+    if (!std::memchr(frame + FRAME_BODY_OFFSET, FRAME_DLE, static_cast<std::size_t>(bodyEnd - FRAME_BODY_OFFSET)))
+        return true;
     int doubled = static_cast<int>(std::count(frame + FRAME_BODY_OFFSET, frame + bodyEnd, FRAME_DLE));
     if (length + doubled > RECORD_BUFFER_SIZE)
         return false;
@@ -50,16 +58,24 @@ void dealFrameRead_0x10(QByteArray &reply)
     const int length = static_cast<int>(reply.size());
     if (length < SHORTEST_FRAME)
         return;
-    char *bytes = reply.data();
-    const char dle = static_cast<char>(FRAME_DLE);
-    int kept = FRAME_BODY_OFFSET;
-    int next = FRAME_BODY_OFFSET;
+    char *const bytes = reply.data();
+    char *kept = bytes + FRAME_BODY_OFFSET;
+    const char *next = kept;
     // A DLE as the last body byte stands before the trailer's DLE, which is not its double.
-    while (length - next > FRAME_TRAILER_SIZE + 1) {
-        const bool isDoubled = bytes[next] == dle && bytes[next + 1] == dle;
-        bytes[kept++] = bytes[next];
-        next += isDoubled ? 2 : 1;
+    const char *const last = bytes + length - FRAME_TRAILER_SIZE - 1;
+    while (next < last) {
+        const char *dle =
+            static_cast<const char *>(std::memchr(next, FRAME_DLE, static_cast<std::size_t>(last - next)));
+        if (!dle)
+            break;
+        const std::size_t upToDle = static_cast<std::size_t>(dle + 1 - next);
+        std::memmove(kept, next, upToDle);
+        kept += upToDle;
+        next = dle + (dle[1] == *dle ? 2 : 1);
     }
-    std::memmove(bytes + kept, bytes + next, static_cast<std::size_t>(length - next));
-    reply.resize(kept + length - next);
+    if (kept == next)
+        return;
+    const std::size_t rest = static_cast<std::size_t>(bytes + length - next);
+    std::memmove(kept, next, rest);
+    reply.resize(static_cast<int>(kept + rest - bytes));
 }

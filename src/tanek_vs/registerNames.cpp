@@ -2,12 +2,19 @@
 
 #include "model/registerTable.h"
 
-int getIndexFromRegName(const QString &regName) { return static_cast<int>(REG_LIST.indexOf(regName)); }
+#include <QtCore/QString>
 
-int valueWidthOf(int kind) { return ADDRESS_RANGE_PRO.at(kind).valueWidth.toInt(); }
+int getIndexFromRegName(const QString &regName)
+{
+    for (int i = 0; i < REGISTER_KIND_COUNT; ++i) {
+        if (sharesText(REG_LIST.at(i), regName))
+            return i;
+    }
+    return static_cast<int>(REG_LIST.indexOf(regName));
+}
 
-int unitWidthOf(int kind) { return ADDRESS_RANGE_PRO.at(kind).unitWidth.toInt(); }
-
-bool namesBitInWord(const QString &regName) { return regName.contains(QString::fromLatin1("_bit")); }
-
-QString nameOfWords(const QString &regName) { return regName.split(QLatin1Char('_')).first(); }
+const RegisterKind *registerKind(const QString &regName)
+{
+    const int index = getIndexFromRegName(regName);
+    return index < 0 ? nullptr : &REGISTER_KINDS.at(index);
+}

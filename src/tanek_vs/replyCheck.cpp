@@ -1,17 +1,10 @@
-/// A reply with its DLE bytes undoubled, and m data bytes (none in an acknowledgement):
-///
-/// | offset | size | content                                             |
-/// |--------|------|-----------------------------------------------------|
-/// | 0      | 2    | DLE STX                                             |
-/// | 2      | 3    | station and length, not examined                    |
-/// | 5      | 1    | status                                              |
-/// | 6      | m    | data                                                |
-/// | 6+m    | 2    | DLE ETX                                             |
-/// | 8+m    | 2    | checksum of bytes 2 to 5+m, ASCII digits            |
 #include "tanek_vs/replyCheck.h"
 
 #include "model/protocol.h"
 #include "tanek_vs/frameCodec.h"
+#include "tanek_vs/wireFormat.h"
+
+#include <QtCore/QtGlobal>
 
 namespace {
 
@@ -24,11 +17,8 @@ bool hasGoodChecksum(const quint8 *reply, int length)
 
 } // namespace
 
-int check_rcv_data(const quint8 *reply, int length)
+ReplyVerdict verdictOn(const FRAME_PRO &frame, const quint8 *reply, int length)
 {
-    if (driver.frameQueue.isEmpty())
-        return ReplyRefused;
-    const FRAME_PRO &frame = driver.frameQueue.at(0);
     if (length == 0 && frame.replyLength == 0)
         return ReplyAcknowledges;
     const bool isValid = length > REPLY_STATUS_OFFSET && length == frame.replyLength &&
@@ -36,4 +26,9 @@ int check_rcv_data(const quint8 *reply, int length)
     if (!isValid)
         return ReplyRefused;
     return frame.readCount != 0 ? ReplyCarriesData : ReplyAcknowledges;
+}
+
+int check_rcv_data(const quint8 *reply, int length)
+{
+    return driver.frameQueue.isEmpty() ? ReplyRefused : verdictOn(driver.frameQueue.at(0), reply, length);
 }

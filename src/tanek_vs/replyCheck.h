@@ -1,6 +1,8 @@
-/// Is a reply a good answer to the frame in flight?
+/// Is a reply a good answer to a request?
 #ifndef TANEK_VS_REPLY_CHECK_H
 #define TANEK_VS_REPLY_CHECK_H
+
+#include <tanek_vs/records.h>
 
 #include <QtCore/QtGlobal>
 
@@ -11,10 +13,10 @@ enum ReplyVerdict {
     ReplyAcknowledges = 2
 };
 
-/// Index of a reply's status byte: 0 accepted, else the controller's error code.
-const int REPLY_STATUS_OFFSET = 5;
+/// Judges a reply to that frame, its doubled DLE bytes already reduced. Which station it names is not looked at.
+ReplyVerdict verdictOn(const FRAME_PRO &frame, const quint8 *reply, int length);
 
-/// Judges a reply, its doubled DLE bytes already reduced, against the head of the frame queue; a ReplyVerdict.
+/// The verdict on a reply to the frame in flight; ReplyRefused when there is none.
 int check_rcv_data(const quint8 *reply, int length);
 
 #endif

@@ -2,13 +2,8 @@
 #ifndef TANEK_VS_CACHE_READS_H
 #define TANEK_VS_CACHE_READS_H
 
-#include "serviceForProtocol/cache/valueShape.h"
-
 #include <QtCore/QByteArray>
 #include <QtCore/QtGlobal>
-
-/// Copies the shown bytes of the values from `address` on, count in host terms.
-void serveUnits(const ValueShape &shape, int station, int address, int count, quint8 *values);
 
 /// The two hexadecimal digits at `position` and behind it as a byte; what stands outside the text counts as 0.
 quint8 asc2hex(const QByteArray &text, int position);

@@ -3,118 +3,136 @@
 #include "model/protocol.h"
 #include "model/wrappingInt.h"
 
-#include <QtCore/QMutexLocker>
+#include <QtCore/QString>
+#include <QtCore/QtGlobal>
 
 namespace {
 
-/// What a reporter needs of an entry, copied so that the callback can run without the cache's lock.
-struct MonitoredUnit {
-    int station;
-    QString keyName;
-    int address;
-    quint32 flags;
-    quint32 bits;
-
-    bool hasFlag(int flag) const { return (flags >> flag & 1U) != 0; }
-    bool hasBit(int bit) const { return (bits >> bit & 1U) != 0; }
-    QString viewName(const char *suffix) const { return keyName + QString::fromLatin1(suffix); }
+/// Under which names the host sees units of a width: suffixes of the key name, null for a view that there is not.
+struct Views {
+    int bits;
+    const char *ofUnit;
+    const char *ofTwoUnits;
+    const char *ofFourUnits;
 };
 
-MonitoredUnit monitoredUnit(int index)
+const Views BIT_VIEWS = {0, "", nullptr, nullptr};
+const Views BYTE_VIEWS = {8, "_B", "_W", "_D"};
+const Views WORD_VIEWS = {16, "", "_D", nullptr};
+const Views DOUBLE_WORD_VIEWS = {32, "", nullptr, nullptr};
+
+const quint32 UNIT_FLAG = 1;
+const int FIRST_FLAG_OF_TWO_UNITS = 1;
+const int FIRST_FLAG_OF_FOUR_UNITS = 3;
+
+const Views &viewsOf(const ValueShape &shape)
 {
-    const QMutexLocker lock(&driver.dataAreaMutex);
-    if (index < 0 || index >= driver.dataAreas.size())
-        return MonitoredUnit{0, QString(), 0, 0, 0};
-    const _DATA_ &area = driver.dataAreas.at(index);
-    return MonitoredUnit{area.station, area.regName, area.address, area.monitorFlags, area.monitorBits};
+    if (shape.isPlain)
+        return BIT_VIEWS;
+    if (shape.bytesPerUnit == 4)
+        return DOUBLE_WORD_VIEWS;
+    return shape.bytesPerUnit == 2 ? WORD_VIEWS : BYTE_VIEWS;
 }
 
-const quint32 ALL_BITS = 0xFFFFFFFFU;
-
-quint32 changedBits(const int *contents, const int *otherContents)
+void reportAddress(const UnitRun &units, const QString &regName, int address)
 {
-    return contents && otherContents ? static_cast<quint32>(*contents ^ *otherContents) : ALL_BITS;
+    callHost(driver.instanceId, units.station, regName, address);
 }
 
-void reportBits(const MonitoredUnit &unit, int bitsPerUnit, quint32 changed, int mode)
+void reportView(const UnitRun &units, const char *suffix, int address)
 {
-    if (mode != 0)
-        return;
+    reportAddress(units, units.keyName + QString::fromLatin1(suffix), address);
+}
+
+void reportUnit(const UnitRun &units, const char *suffix, int address)
+{
+    if (*suffix == '\0')
+        reportAddress(units, units.keyName, address);
+    else
+        reportView(units, suffix, address);
+}
+
+void reportBits(const UnitRun &units, int unit, quint32 bits, int bitsPerUnit)
+{
+    const QString name = units.keyName + QString::fromLatin1("_bit");
+    const int firstBit = wrappingProduct(unit, bitsPerUnit);
     for (int bit = 0; bit < bitsPerUnit; ++bit) {
-        if (unit.hasBit(bit) && (changed >> bit & 1U) != 0)
-            reportAddress(unit.station, unit.viewName("_bit"),
-                          wrappingSum(wrappingProduct(unit.address, bitsPerUnit), bit));
+        if ((bits >> bit & 1U) != 0)
+            reportAddress(units, name, wrappingSum(firstBit, bit));
     }
 }
 
-void reportUnit(const MonitoredUnit &unit, const char *suffix)
-{
-    if (unit.hasFlag(0))
-        reportAddress(unit.station, unit.viewName(suffix), unit.address);
-}
-
-/// Reports the values of several units of which this is one, each at its first unit.
+/// Reports the values of several units of which this is one.
 /// @return false when a value would begin below address 0; nothing further is reported then.
-bool reportMultiUnitValues(const MonitoredUnit &unit, int firstFlag, int unitsPerValue, const char *suffix)
+bool reportMultiUnitValues(const UnitRun &units, const UnitChange &change, int firstFlag, int unitsPerValue,
+                           const char *suffix)
 {
     for (int place = 0; place < unitsPerValue; ++place) {
-        if (!unit.hasFlag(firstFlag + place))
+        if ((change.monitorFlags >> (firstFlag + place) & 1U) == 0)
             continue;
-        const int firstUnit = wrappingDifference(unit.address, place);
+        const int firstUnit = wrappingDifference(change.address, place);
         if (firstUnit < 0)
             return false;
-        reportAddress(unit.station, unit.viewName(suffix), firstUnit);
+        reportView(units, suffix, firstUnit);
     }
     return true;
 }
 
-} // namespace
-
-int uchar2int16(quint8 low, quint8 high) { return low + 256 * high; }
-
-int uchar2int32(quint8 b0, quint8 b1, quint8 b2, quint8 b3)
+void reportLargerValues(const UnitRun &units, const UnitChange &change, const Views &views)
 {
-    return static_cast<int>(b0 | static_cast<quint32>(b1) << 8 | static_cast<quint32>(b2) << 16 |
-                            static_cast<quint32>(b3) << 24);
+    if (views.ofTwoUnits && !reportMultiUnitValues(units, change, FIRST_FLAG_OF_TWO_UNITS, 2, views.ofTwoUnits))
+        return;
+    if (views.ofFourUnits)
+        reportMultiUnitValues(units, change, FIRST_FLAG_OF_FOUR_UNITS, 4, views.ofFourUnits);
 }
 
-void _bitDataChange(int index) { reportUnit(monitoredUnit(index), ""); }
+template <typename Contents>
+void reportEntry(int index, const Contents *contents, const Contents *otherContents, int mode, const ValueShape &shape)
+{
+    const _DATA_ area = entryAt(index);
+    quint32 changedBits = mode == 0 ? ALL_BITS : 0;
+    if (contents && otherContents)
+        changedBits &= static_cast<quint32>(*contents ^ *otherContents);
+    const UnitChange change = {area.address, area.monitorFlags, area.monitorBits, changedBits};
+    reportRead(UnitRun(shape, area.station, area.regName, area.address, 1), change);
+}
+
+} // namespace
+
+void reportRead(const UnitRun &units, const UnitChange &change)
+{
+    const Views &views = viewsOf(units.shape);
+    if ((change.monitorBits & change.changedBits) != 0)
+        reportBits(units, change.address, change.monitorBits & change.changedBits, views.bits);
+    if ((change.monitorFlags & UNIT_FLAG) != 0)
+        reportUnit(units, views.ofUnit, change.address);
+    if ((change.monitorFlags & ~UNIT_FLAG) != 0)
+        reportLargerValues(units, change, views);
+}
+
+void reportWrite(const UnitRun &units, const UnitChange &change)
+{
+    if (units.shape.isPlain)
+        reportAddress(units, units.keyName, change.address);
+    else
+        reportRead(units, change);
+}
+
+void _bitDataChange(int index) { reportEntry<int>(index, nullptr, nullptr, 0, valueShape(1, 1, false)); }
 
 void _byteDataChange(const quint8 *contents, const quint8 *otherContents, int index, int mode)
 {
-    const MonitoredUnit unit = monitoredUnit(index);
-    const int value = contents ? *contents : 0;
-    const int otherValue = otherContents ? *otherContents : 0;
-    reportBits(unit, 8, changedBits(contents ? &value : nullptr, otherContents ? &otherValue : nullptr), mode);
-    reportUnit(unit, "_B");
-    if (reportMultiUnitValues(unit, 1, 2, "_W"))
-        reportMultiUnitValues(unit, 3, 4, "_D");
+    reportEntry(index, contents, otherContents, mode, valueShape(16, 8, false));
 }
 
 void _wordDataChange(const int *contents, const int *otherContents, int index, int mode)
 {
-    const MonitoredUnit unit = monitoredUnit(index);
-    reportBits(unit, 16, changedBits(contents, otherContents), mode);
-    reportUnit(unit, "");
-    reportMultiUnitValues(unit, 1, 2, "_D");
+    reportEntry(index, contents, otherContents, mode, valueShape(16, 16, false));
 }
 
 void _dwordDataChange(const int *contents, const int *otherContents, int index, int mode)
 {
-    const MonitoredUnit unit = monitoredUnit(index);
-    reportBits(unit, 32, changedBits(contents, otherContents), mode);
-    reportUnit(unit, "");
-}
-
-void unitDataChange(const ValueShape &shape, const int *contents, const int *otherContents, int index)
-{
-    if (shape.bytesPerUnit == 4)
-        return _dwordDataChange(contents, otherContents, index, 0);
-    if (shape.bytesPerUnit == 2)
-        return _wordDataChange(contents, otherContents, index, 0);
-    const quint8 byte = static_cast<quint8>(contents ? *contents : 0);
-    const quint8 otherByte = static_cast<quint8>(otherContents ? *otherContents : 0);
-    _byteDataChange(contents ? &byte : nullptr, otherContents ? &otherByte : nullptr, index, 0);
+    reportEntry(index, contents, otherContents, mode, valueShape(32, 32, false));
 }
 
 void callHost(int instance, int station, const QString &regName, int address)
@@ -123,9 +141,4 @@ void callHost(int instance, int station, const QString &regName, int address)
         return;
     QString name = regName;
     driver.valueChangeCallback(instance, station, name, address);
-}
-
-void reportAddress(int station, const QString &regName, int address)
-{
-    callHost(driver.instanceId, station, regName, address);
 }

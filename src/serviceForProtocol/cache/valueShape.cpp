@@ -1,8 +1,5 @@
 #include "serviceForProtocol/cache/valueShape.h"
 
-#include "serviceForProtocol/cache/changeReports.h"
-#include "tanek_vs/registerNames.h"
-
 namespace {
 
 ValueShape wholeUnits(int unitsPerValue, int bytesPerUnit, int firstFlag)
@@ -43,7 +40,9 @@ ValueShape shapeOfPlainUnits()
     return shape;
 }
 
-ValueShape shapeOfWidths(int valueWidth, int unitWidth, bool bitInUnit)
+} // namespace
+
+ValueShape valueShape(int valueWidth, int unitWidth, bool isBitInUnit)
 {
     switch (valueWidth) {
     case 32:
@@ -52,38 +51,15 @@ ValueShape shapeOfWidths(int valueWidth, int unitWidth, bool bitInUnit)
         return shapeOf16BitValues(unitWidth);
     case 8:
     case 1:
-        return bitInUnit ? shapeOfBitsInUnits(unitWidth) : shapeOfPlainUnits();
+        return isBitInUnit ? shapeOfBitsInUnits(unitWidth) : shapeOfPlainUnits();
     default:
         return ValueShape();
     }
 }
 
-} // namespace
-
-ValueShape valueShape(int valueWidth, int unitWidth, const QString &regName)
+ValueShape shapeOfValues(const RegisterKind &kind)
 {
-    ValueShape shape = shapeOfWidths(valueWidth, unitWidth, namesBitInWord(regName));
-    shape.keyName = shape.isPlain ? regName : nameOfWords(regName);
-    return shape;
+    return valueShape(kind.valueWidth, kind.unitWidth, kind.isBitInWord);
 }
 
-ValueShape shapeOfKind(const QString &regName)
-{
-    const int kind = getIndexFromRegName(regName);
-    return kind < 0 ? ValueShape() : valueShape(valueWidthOf(kind), unitWidthOf(kind), regName);
-}
-
-BitPlace placeOfBit(const ValueShape &shape, int bitAddress)
-{
-    const BitPlace place = {bitAddress / shape.bitsPerUnit, bitAddress % shape.bitsPerUnit};
-    return place;
-}
-
-const quint8 *shownBytes(const _DATA_ &area) { return area.writePending ? area.writeValue : area.readValue; }
-
-int unitContents(const ValueShape &shape, const quint8 *bytes)
-{
-    if (shape.bytesPerUnit == 4)
-        return uchar2int32(bytes[0], bytes[1], bytes[2], bytes[3]);
-    return shape.bytesPerUnit == 2 ? uchar2int16(bytes[0], bytes[1]) : bytes[0];
-}
+ValueShape shapeOfUnits(const RegisterKind &kind) { return valueShape(kind.unitWidth, kind.unitWidth, false); }

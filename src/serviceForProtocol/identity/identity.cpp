@@ -1,9 +1,17 @@
 /// Who the driver is, and its configuration by the host.
+#include "model/asciiNumber.h"
 #include "model/protocol.h"
 #include "model/registerTable.h"
 #include "model/wrappingInt.h"
+#include "serviceForProtocol/cache/unitStore.h"
+#include "serviceForProtocol/requests/writeQueue.h"
 
+#include <tanek_vs/driver.h>
+
+#include <QtCore/QMutex>
+#include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtCore/QtGlobal>
 
 namespace {
 
@@ -16,19 +24,18 @@ void readSettings(const QString &property)
     const QStringList parts = property.split(QLatin1Char('#'));
     if (parts.size() < PROPERTY_NUMBERS)
         return;
-    driver.instanceId = parts.at(0).toInt(nullptr, 10);
-    driver.cacheOnlyWrites = parts.at(1).toInt(nullptr, 10);
-    driver.retryLimit = parts.at(3).toInt(nullptr, 10);
-    driver.mergeGap = parts.at(4).toInt(nullptr, 10);
+    driver.instanceId = numberOrZero(parts.at(0));
+    driver.cacheOnlyWrites = numberOrZero(parts.at(1));
+    driver.retryLimit = numberOrZero(parts.at(3));
+    driver.mergeGap = numberOrZero(parts.at(4));
 }
 
 void dropWork()
 {
     driver.readBlocks.clear();
-    driver.writeQueue.clear();
+    forgetWrites();
     driver.conditionReads.clear();
-    driver.dataAreas.clear();
-    driver.dataAreaIndex.clear();
+    forgetUnits();
     driver.frameQueue.clear();
     driver.transactionKind = TransactionIdle;
     driver.burstCount = 0;

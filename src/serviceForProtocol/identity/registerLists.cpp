@@ -1,7 +1,11 @@
 /// The register kinds as the host's address editor offers them.
 #include "model/registerTable.h"
-#include "tanek_vs/driver.h"
 #include "tanek_vs/registerNames.h"
+
+#include <tanek_vs/driver.h>
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <cstddef>
 
@@ -31,10 +35,9 @@ template <std::size_t size> QString codeOf(const QString &columnText, const Code
 
 int intf_getRegListByType(int type, QStringList &names)
 {
-    for (int kind = 0; kind < REGISTER_KIND_COUNT; ++kind) {
-        const bool holdsBits = valueWidthOf(kind) == 1;
-        if (holdsBits == (type == TYPE_BITS))
-            names.append(REG_LIST.at(kind));
+    for (const RegisterKind &kind : REGISTER_KINDS) {
+        if (kind.holdsBits() == (type == TYPE_BITS))
+            names.append(kind.name);
     }
     return type == TYPE_BITS || type == TYPE_WORDS ? 1 : 0;
 }

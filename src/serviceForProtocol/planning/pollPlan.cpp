@@ -3,12 +3,20 @@
 #include "model/deviceUnits.h"
 #include "model/protocol.h"
 #include "model/registerTable.h"
-#include "serviceForProtocol/cache/dataAreas.h"
-#include "serviceForProtocol/identity/addressText.h"
-#include "tanek_vs/joinTest.h"
+#include "model/wrappingInt.h"
+#include "serviceForProtocol/addresses/sensibleRuns.h"
+#include "serviceForProtocol/cache/unitStore.h"
+#include "tanek_vs/addressJoin.h"
 #include "tanek_vs/registerNames.h"
 
+#include <tanek_vs/driver.h>
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QtGlobal>
+
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 
@@ -16,45 +24,38 @@ const quint32 WEIGHT_OF_KIND = 65535;
 /// What poll blocks carry in place of a host's value.
 const std::uintptr_t POLL_CONTEXT = 4;
 
-enum JoinMode { JoinTouching = 0, JoinAcrossGap = 1 };
-
-void convertPollKey(KEY_ADDRESS &key)
+void convertPollKey(PlannedRun &key)
 {
-    const int kind = getIndexFromRegName(key.regName);
-    if (kind < 0)
-        return;
-    const int unitWidth = unitWidthOf(kind);
-    if (namesBitInWord(key.regName)) {
-        key.count = wrap((static_cast<qint64>(key.count) + unitWidth - 1) / unitWidth);
-        key.address /= unitWidth;
-        key.regName = nameOfWords(key.regName);
-    } else if (unitWidth != 1) {
-        key.count = unitsOfWords(key.count, unitWidth);
+    const RegisterKind *kind = registerKind(key.regName);
+    if (kind && kind->isBitInWord) {
+        key.count = unitsOfBits(key.count, kind->unitWidth);
+        key.address /= kind->unitWidth;
+        key.regName = kind->keyName;
+    } else if (kind && !kind->holdsBits()) {
+        key.count = unitsOfWords(key.count, kind->unitWidth);
     }
 }
 
-void convertRecipeKey(KEY_ADDRESS &key)
+void convertRecipeKey(PlannedRun &key)
 {
-    const int kind = getIndexFromRegName(key.regName);
-    if (kind >= 0 && valueWidthOf(kind) != 1)
-        key.count = unitsOfWords(key.count, unitWidthOf(kind));
+    const RegisterKind *kind = registerKind(key.regName);
+    if (kind && !kind->holdsBits())
+        key.count = unitsOfWords(key.count, kind->unitWidth);
 }
 
 /// A block of the plan, in the making.
 struct Block {
-    KEY_ADDRESS run;
+    PlannedRun run;
     /// Every unit from here to the run's start is read by blocks before this one.
     int coveredFrom;
-    /// Index of the key that it begins with.
-    int firstKey;
 };
 
-/// Makes the key part of the block, if it touches it or lies within the gap of the mode, and the block stays within
-/// the limit. A block's start never moves: a key that starts before it may join only if what it has there is covered.
-/// A recipe item whose count makes no sense must not pass as part of a good block.
-bool join(Block &block, const KEY_ADDRESS &key, JoinMode mode)
+/// Makes the key part of the block, if it lies within the gap and the block stays within the limit. A block's start
+/// never moves: a key that starts before it may join only if what it has there is covered. A recipe item whose count
+/// makes no sense must not pass as part of a good block.
+bool join(Block &block, const Run &key, int gap)
 {
-    if (key.address < block.coveredFrom || key.count < 0 || judgeAddrMerge(block.run, key, mode) != 0)
+    if (key.address < block.coveredFrom || key.count < 0 || !liesWithinGap(block.run, key, gap))
         return false;
     const int span = wrappingDifference(wrappingSum(key.address, key.count), block.run.address);
     if (span > BLOCK_LIMIT)
@@ -66,40 +67,40 @@ bool join(Block &block, const KEY_ADDRESS &key, JoinMode mode)
 /// The first pass: keys that touch or overlap become one block, long ones are cut.
 class BlockBuilder {
 public:
-    explicit BlockBuilder(bool forRecipe) : m_forRecipe(forRecipe) {}
+    explicit BlockBuilder(MergeMode mode) : m_mode(mode) {}
 
-    void add(const KEY_ADDRESS &key, int index)
+    void add(const PlannedRun &key, int index)
     {
         if (m_hasBlock) {
             cutLongBlock();
-            if (join(m_block, key, JoinTouching))
+            if (join(m_block, key, 0))
                 return;
-            m_blocks.append(m_block);
+            m_blocks.push_back(m_block);
         }
         m_block.run = key;
+        m_block.run.firstKey = index;
         m_block.coveredFrom = key.address;
-        m_block.firstKey = index;
         m_hasBlock = true;
     }
 
-    QList<Block> finish()
+    std::vector<Block> finish()
     {
         cutLongBlock();
-        m_blocks.append(m_block);
+        m_blocks.push_back(m_block);
         return m_blocks;
     }
 
 private:
     void cutLongBlock()
     {
-        KEY_ADDRESS &run = m_block.run;
+        PlannedRun &run = m_block.run;
         while (run.count > BLOCK_LIMIT) {
             const int rest = run.count - BLOCK_LIMIT;
             run.count = BLOCK_LIMIT;
-            m_blocks.append(m_block);
+            m_blocks.push_back(m_block);
             run.address = wrappingSum(run.address, BLOCK_LIMIT);
             run.count = rest;
-            if (m_forRecipe) {
+            if (m_mode == MergeRecipe) {
                 run.bufferOffset = wrappingSum(run.bufferOffset, bufferWordsOfFullBlock());
                 m_block.coveredFrom = run.address; // a recipe's block takes its values from one run of the buffer
             }
@@ -109,45 +110,72 @@ private:
     /// Bits have no place of their own in the buffer.
     int bufferWordsOfFullBlock() const
     {
-        const int kind = getIndexFromRegName(m_block.run.regName);
-        if (kind < 0 || valueWidthOf(kind) == 1)
-            return 0;
-        return BLOCK_LIMIT * unitWidthOf(kind) / WORD_WIDTH;
+        const RegisterKind *kind = registerKind(m_block.run.regName);
+        return !kind || kind->holdsBits() ? 0 : BLOCK_LIMIT * kind->unitWidth / WORD_WIDTH;
     }
 
-    bool m_forRecipe;
+    MergeMode m_mode;
     bool m_hasBlock = false;
     Block m_block = {};
-    QList<Block> m_blocks;
+    std::vector<Block> m_blocks;
 };
 
 /// The second pass: blocks close to each other become one that covers the gap too.
-QList<Block> bridgeGaps(const QList<Block> &blocks)
+std::vector<Block> bridgeGaps(const std::vector<Block> &blocks, int mergeGap)
 {
-    QList<Block> bridged;
-    Block block = blocks.at(0);
-    for (int i = 1; i < blocks.size(); ++i) {
-        if (join(block, blocks.at(i).run, JoinAcrossGap))
-            continue;
-        bridged.append(block);
-        block = blocks.at(i);
+    std::vector<Block> bridged;
+    for (const Block &block : blocks) {
+        if (bridged.empty() || !join(bridged.back(), block.run, mergeGap))
+            bridged.push_back(block);
     }
-    bridged.append(block);
     return bridged;
 }
 
-VARIABLE pollRequest(const KEY_ADDRESS &block)
+VARIABLE pollRequest(const Run &block)
 {
     VARIABLE request;
     request.hostContext = POLL_CONTEXT;
-    request.station = block.station;
-    request.regName = block.regName;
-    request.address = block.address;
-    request.count = block.count;
+    setRun(request, block);
     return request;
 }
 
 } // namespace
+
+PlannedRun plannedRun(const Run &run, int bufferOffset)
+{
+    PlannedRun planned;
+    setRun(planned, run);
+    planned.bufferOffset = bufferOffset;
+    planned.firstKey = 0;
+    return planned;
+}
+
+std::vector<PlannedRun> mergedBlocks(std::vector<PlannedRun> keys, MergeMode mode, int mergeGap)
+{
+    if (keys.empty())
+        return keys;
+    for (PlannedRun &key : keys)
+        (mode == MergeRecipe ? convertRecipeKey : convertPollKey)(key);
+    if (mode != MergeRecipe)
+        keys = sortedByWeight(keys);
+
+    BlockBuilder builder(mode);
+    int index = 0;
+    for (const PlannedRun &key : keys)
+        builder.add(key, index++);
+    const std::vector<Block> blocks = mode == MergeRecipe ? builder.finish() : bridgeGaps(builder.finish(), mergeGap);
+    keys.clear();
+    for (const Block &block : blocks)
+        keys.push_back(block.run);
+    return keys;
+}
+
+void addrMerge(std::vector<PlannedRun> &keys, int mode)
+{
+    keys = mergedBlocks(keys, mode == MergeRecipe ? MergeRecipe : MergePoll, driver.mergeGap);
+    for (std::size_t i = 0; mode == MergeRecipe && i < keys.size(); ++i)
+        driver.recipeBlockFirstItem.append(keys[i].firstKey);
+}
 
 quint32 getRegAddressWeight(int station, const QString &regName, int address)
 {
@@ -157,43 +185,22 @@ quint32 getRegAddressWeight(int station, const QString &regName, int address)
            static_cast<quint32>(address);
 }
 
-void addrMerge(QList<KEY_ADDRESS> &keys, int mode)
-{
-    if (keys.isEmpty())
-        return;
-    const bool forRecipe = mode == MergeRecipe;
-    for (int i = 0; i < keys.size(); ++i)
-        (forRecipe ? convertRecipeKey : convertPollKey)(keys[i]);
-    if (!forRecipe)
-        keys = sortedByWeight(keys);
-
-    BlockBuilder builder(forRecipe);
-    for (int i = 0; i < keys.size(); ++i)
-        builder.add(keys.at(i), i);
-    const QList<Block> blocks = forRecipe ? builder.finish() : bridgeGaps(builder.finish());
-    keys.clear();
-    for (int i = 0; i < blocks.size(); ++i) {
-        keys.append(blocks.at(i).run);
-        if (forRecipe)
-            driver.recipeBlockFirstItem.append(blocks.at(i).firstKey);
-    }
-}
-
 int intf_addrMerge(const QList<KEY_ADDRESS> *keys)
 {
     if (!keys)
         return static_cast<int>(driver.readBlocks.size());
-    clearMonitorFlags();
-    QList<KEY_ADDRESS> blocks;
+    forgetFlags();
+    std::vector<PlannedRun> plan;
     for (int i = 0; i < keys->size(); ++i) {
         const KEY_ADDRESS &key = keys->at(i);
         _setDataAreaMonitorFlag(key.station, key.regName, key.address, key.count);
-        if (isSensibleRun(key.regName, key.address, key.count))
-            blocks.append(key);
+        const RegisterKind *kind = registerKind(key.regName);
+        if (isSensible(kind, key.address, key.count))
+            plan.push_back(plannedRun(Run{key.station, kind->name, key.address, key.count}, 0));
     }
     driver.readBlocks.clear();
-    addrMerge(blocks, MergePoll);
-    for (int i = 0; i < blocks.size(); ++i)
-        driver.readBlocks.append(pollRequest(blocks.at(i)));
+    addrMerge(plan, MergePoll);
+    for (const PlannedRun &block : plan)
+        driver.readBlocks.append(pollRequest(block));
     return static_cast<int>(driver.readBlocks.size());
 }

@@ -1,191 +1,94 @@
-/// The data of a read reply, by the width of the kind's units:
-///
-/// | unit width | size of the data       | unit i                                  |
-/// |------------|------------------------|-----------------------------------------|
-/// | 1          | count / 8, rounded up  | bit i % 8 of byte i / 8, lowest first   |
-/// | 16         | 2 * count              | bytes 2i and 2i+1, low byte first       |
-/// | 32         | 4 * count              | bytes 4i to 4i+3, lowest byte first     |
 #include "serviceForProtocol/transactions/replyDecoding.h"
 
+#include "model/deviceUnits.h"
 #include "model/protocol.h"
-#include "model/wrappingInt.h"
 #include "serviceForProtocol/cache/changeReports.h"
-#include "serviceForProtocol/cache/dataAreas.h"
-#include "tanek_vs/bitAddress.h"
+#include "serviceForProtocol/cache/unitStore.h"
+#include "serviceForProtocol/transactions/recipeTransfer.h"
 #include "tanek_vs/registerNames.h"
-#include "tanek_vs/replyCheck.h"
+#include "tanek_vs/wireFormat.h"
 
-#include <QtCore/QMutexLocker>
+#include <QtCore/QByteArray>
+#include <QtCore/QChar>
+#include <QtCore/QString>
+#include <QtCore/QtGlobal>
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <vector>
 
 namespace {
 
 const int ERROR_REPLY_SIZE = 10;
 
-/// What the callback is told for a word of the recipe buffer that an upload has filled.
-const int UPLOAD_INSTANCE = 0;
-const int UPLOAD_STATION = -1;
+const quint8 *bytesOf(const QByteArray &reply) { return reinterpret_cast<const quint8 *>(reply.constData()); }
 
-quint8 byteAt(const QByteArray &reply, qint64 position)
-{
-    return position >= 0 && position < reply.size() ? static_cast<quint8>(reply.at(static_cast<int>(position))) : 0;
-}
-
-QString addressText(const VARIABLE &request)
-{
-    if (request.regName.endsWith(QString::fromLatin1("_bit")))
-        return addr_int2str(request.address, request.regName);
-    return QString::number(request.address);
-}
-
-void storeBit(const VARIABLE &request, int unit, quint8 bit)
-{
-    int index = 0;
+/// A line of ASCII text, put together without an allocation for each part; longer than any description.
+class Line {
+public:
+    void add(char character) { *m_end++ = character; }
+    void add(const char *text)
     {
-        const QMutexLocker lock(&driver.dataAreaMutex);
-        index = getIndexOfDataArea(request.station, request.regName, unit, driver.dataAreas);
-        _DATA_ &area = driver.dataAreas[index];
-        if (area.readValue[0] == bit)
+        while (*text != '\0')
+            add(*text++);
+    }
+    void add(const QString &text)
+    {
+        for (const QChar *character = text.constBegin(); character != text.constEnd(); ++character)
+            add(character->toLatin1());
+    }
+    void add(int number)
+    {
+        char digits[DIGITS_OF_INT];
+        char *first = digits + DIGITS_OF_INT;
+        quint32 rest = static_cast<quint32>(number < 0 ? -static_cast<qint64>(number) : number);
+        do {
+            *--first = static_cast<char>('0' + rest % 10);
+            rest /= 10;
+        } while (rest != 0);
+        if (number < 0)
+            add('-');
+        m_end = std::copy(first, digits + DIGITS_OF_INT, m_end);
+    }
+
+    QString text() const { return QString::fromLatin1(m_text, static_cast<int>(m_end - m_text)); }
+
+private:
+    enum { DIGITS_OF_INT = 10, SIZE = 96 };
+    char m_text[SIZE];
+    char *m_end = m_text;
+};
+
+void addAddress(Line &line, const VARIABLE &request)
+{
+    const RegisterKind *kind = registerKind(request.regName);
+    if (!kind || !kind->isBitInWord)
+        return line.add(request.address);
+    line.add(request.address / WORD_WIDTH);
+    line.add('.');
+    line.add(request.address % WORD_WIDTH);
+}
+
+/// So many bytes of a reply, zeros for those that it does not have.
+class DataBytes {
+public:
+    DataBytes(const QByteArray &reply, int offset, qint64 size)
+    {
+        const qint64 there = std::max<qint64>(0, std::min(reply.size() - static_cast<qint64>(offset), size));
+        m_bytes = bytesOf(reply) + (there > 0 ? offset : 0);
+        if (there >= size)
             return;
-        area.readValue[0] = bit;
-        area.writePending = 0;
+        m_padded.assign(m_bytes, m_bytes + there);
+        m_padded.resize(static_cast<std::size_t>(size));
+        m_bytes = m_padded.data();
     }
-    _bitDataChange(index);
-}
 
-bool isWriteQueueEmpty()
-{
-    const QMutexLocker lock(&driver.mutex);
-    return driver.writeQueue.isEmpty();
-}
+    const quint8 *data() const { return m_bytes; }
 
-/// Stores a unit of `shape.bytesPerUnit` bytes. While writes of single bits of it are outstanding, it goes on showing
-/// what was written.
-void storeUnit(const ValueShape &shape, int station, int unit, const quint8 *bytes)
-{
-    const int after = unitContents(shape, bytes);
-    int index = 0;
-    int before = 0;
-    quint32 pendingBits = 0;
-    {
-        const QMutexLocker lock(&driver.dataAreaMutex);
-        index = getIndexOfDataArea(station, shape.keyName, unit, driver.dataAreas);
-        const _DATA_ &area = driver.dataAreas.at(index);
-        before = unitContents(shape, area.readValue);
-        pendingBits = area.pendingBitWrites;
-    }
-    if (before == after)
-        return;
-    // The queue is looked at after the unit: a write stands in the queue before its bits are counted as pending, so
-    // bits that become pending from now on are those of a write that is just being posted.
-    const bool pendingBitsAreLeftOver = pendingBits != 0 && isWriteQueueEmpty();
-    {
-        const QMutexLocker lock(&driver.dataAreaMutex);
-        _DATA_ &area = driver.dataAreas[index];
-        std::memcpy(area.readValue, bytes, static_cast<std::size_t>(shape.bytesPerUnit));
-        if (area.pendingBitWrites == 0 || (pendingBitsAreLeftOver && area.pendingBitWrites == pendingBits))
-            area.writePending = 0;
-    }
-    unitDataChange(shape, &before, &after, index);
-}
-
-void storeBits(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request)
-{
-    for (int i = 0; i < unitCount; ++i) {
-        const quint8 byte = byteAt(reply, static_cast<qint64>(dataOffset) + i / 8);
-        storeBit(request, wrappingSum(request.address, i), byte >> (i % 8) & 1U);
-    }
-}
-
-void storeUnits(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request, int unitWidth)
-{
-    // A unit is stored whole, be the kind one of whole units or of bits inside them.
-    const ValueShape shape = valueShape(unitWidth, unitWidth, nameOfWords(request.regName));
-    for (int i = 0; i < unitCount; ++i) {
-        const qint64 position = dataOffset + static_cast<qint64>(i) * shape.bytesPerUnit;
-        quint8 bytes[4] = {};
-        for (int k = 0; k < shape.bytesPerUnit; ++k)
-            bytes[k] = byteAt(reply, position + k);
-        storeUnit(shape, request.station, wrappingSum(request.address, i), bytes);
-    }
-}
-
-void reportUploadedWord(int bufferWord)
-{
-    callHost(UPLOAD_INSTANCE, UPLOAD_STATION, QString::fromLatin1("RWI"), bufferWord);
-}
-
-void fillBufferWord(int bufferWord, const QByteArray &reply, qint64 position)
-{
-    driver.recipeBuffer[bufferWord] =
-        static_cast<quint16>(uchar2int16(byteAt(reply, position), byteAt(reply, position + 1)));
-}
-
-/// Of an item of 16-bit words, those that the block carries: all, unless the item is longer than a block.
-void uploadWords(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArray &reply, int dataOffset)
-{
-    const qint64 firstUnit = std::max(item.address, block.address);
-    const qint64 itemEnd = static_cast<qint64>(item.address) + item.count;
-    const qint64 blockEnd = static_cast<qint64>(block.address) + block.count;
-    for (qint64 unit = firstUnit; unit < std::min(itemEnd, blockEnd); ++unit) {
-        const int bufferWord = wrap(item.bufferOffset + (unit - item.address));
-        if (bufferWord < 0)
-            continue;
-        fillBufferWord(bufferWord, reply, dataOffset + 2 * (unit - block.address));
-        reportUploadedWord(bufferWord);
-    }
-}
-
-/// An item of 32-bit units stands for one value, its first.
-void uploadDoubleWord(const _RCP_VAR_PRO &item, const VARIABLE &block, const QByteArray &reply, int dataOffset)
-{
-    const qint64 unit = static_cast<qint64>(item.address) - block.address;
-    const int highWord = wrappingSum(item.bufferOffset, 1);
-    if (unit < 0 || unit >= block.count || item.bufferOffset < 0 || highWord < 0)
-        return;
-    fillBufferWord(item.bufferOffset, reply, dataOffset + 4 * unit);
-    fillBufferWord(highWord, reply, dataOffset + 4 * unit + 2);
-    reportUploadedWord(item.bufferOffset);
-    reportUploadedWord(highWord);
-}
-
-/// Whether the plan's current block is still the one that was asked for: the host may have handed over a new plan.
-bool isPlannedBlock(const VARIABLE &request)
-{
-    if (driver.recipeIndex < 0 || driver.recipeIndex >= driver.recipeBlocks.size() ||
-        driver.recipeIndex >= driver.recipeBlockFirstItem.size())
-        return false;
-    const _RCP_VAR_PRO &block = driver.recipeBlocks.at(driver.recipeIndex);
-    return block.station == request.station && block.regName == request.regName && block.address == request.address &&
-           block.count == request.count;
-}
-
-/// Index behind the last item of the current block. A piece of a long item that another piece follows holds that item
-/// alone.
-int endOfBlockItems(int firstItem)
-{
-    if (driver.recipeIndex + 1 >= driver.recipeBlockFirstItem.size())
-        return static_cast<int>(driver.recipeItems.size());
-    const int nextFirstItem = driver.recipeBlockFirstItem.at(driver.recipeIndex + 1);
-    return std::min(std::max(nextFirstItem, firstItem + 1), static_cast<int>(driver.recipeItems.size()));
-}
-
-void fillRecipeBuffer(const QByteArray &reply, int dataOffset, const VARIABLE &block, int unitWidth)
-{
-    if (!driver.recipeBuffer || !isPlannedBlock(block))
-        return;
-    const int firstItem = driver.recipeBlockFirstItem.at(driver.recipeIndex);
-    const int itemsEnd = endOfBlockItems(firstItem);
-    for (int i = firstItem; i < itemsEnd; ++i) {
-        const _RCP_VAR_PRO item = driver.recipeItems.at(i);
-        if (unitWidth == 16)
-            uploadWords(item, block, reply, dataOffset);
-        else
-            uploadDoubleWord(item, block, reply, dataOffset);
-    }
-}
+private:
+    const quint8 *m_bytes;
+    std::vector<quint8> m_padded;
+};
 
 } // namespace
 
@@ -194,32 +97,41 @@ QString getErrorInfo(const QByteArray &reply)
     if (driver.frameQueue.isEmpty())
         return QString();
     const VARIABLE &request = driver.frameQueue.at(0).variable;
-    QString text = QString::number(request.station) + QLatin1Char('#') + request.regName + addressText(request) +
-                   QLatin1Char('(') + QString::number(request.count) + QLatin1Char(')');
-    const quint8 status = byteAt(reply, REPLY_STATUS_OFFSET);
-    if (reply.size() == ERROR_REPLY_SIZE && status != 0)
-        text += QString::fromLatin1(",error code:") + QString::number(status);
-    return text;
+    Line line;
+    line.add(request.station);
+    line.add('#');
+    line.add(request.regName);
+    addAddress(line, request);
+    line.add('(');
+    line.add(request.count);
+    line.add(')');
+    const quint8 status = reply.size() == ERROR_REPLY_SIZE ? bytesOf(reply)[REPLY_STATUS_OFFSET] : 0;
+    if (status != 0) {
+        line.add(",error code:");
+        line.add(static_cast<int>(status));
+    }
+    return line.text();
 }
 
 void analyzeFrameOfVal(const QByteArray &reply, int unitCount, int dataOffset, const VARIABLE &request)
 {
-    const int kind = getIndexFromRegName(request.regName);
-    if (kind < 0)
+    const RegisterKind *kind = registerKind(request.regName);
+    if (!kind)
         return;
-    const int unitWidth = unitWidthOf(kind);
-    if (unitWidth == 1)
-        return storeBits(reply, unitCount, dataOffset, request);
-    storeUnits(reply, unitCount, dataOffset, request, unitWidth);
-    if (driver.transactionKind == TransactionRecipeRead)
-        fillRecipeBuffer(reply, dataOffset, request, unitWidth);
+    const DataBytes bytes(reply, dataOffset, replyDataSize(kind->unitWidth, unitCount));
+    UnitRun units(shapeOfUnits(*kind), request.station, kind->keyName, request.address, unitCount);
+    UnitChange change;
+    while (store(units, bytes.data(), change))
+        reportRead(units, change);
+    if (driver.transactionKind == TransactionRecipeRead && kind->unitWidth != 1)
+        fillRecipeBuffer(*kind, request, bytes.data());
 }
 
 int dealReadFrameReturnSaveData(const QByteArray &reply)
 {
     if (driver.frameQueue.isEmpty())
         return 0;
-    const FRAME_PRO frame = driver.frameQueue.at(0);
+    const FRAME_PRO &frame = driver.frameQueue.at(0);
     analyzeFrameOfVal(reply, frame.readCount, frame.dataOffset, frame.variable);
     return 0;
 }

@@ -2,7 +2,7 @@
 #ifndef TANEK_VS_REPLY_DECODING_H
 #define TANEK_VS_REPLY_DECODING_H
 
-#include "tanek_vs/records.h"
+#include <tanek_vs/records.h>
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>

@@ -1,23 +1,23 @@
 #include "serviceForProtocol/transactions/transactions.h"
 
 #include "model/protocol.h"
+#include "model/requestRecords.h"
+#include "model/run.h"
 #include "serviceForProtocol/cache/changeReports.h"
-#include "serviceForProtocol/cache/requestQueue.h"
-#include "serviceForProtocol/cache/writeMirror.h"
-#include "serviceForProtocol/planning/recipes.h"
+#include "serviceForProtocol/requests/writeMirror.h"
+#include "serviceForProtocol/requests/writeQueue.h"
+#include "serviceForProtocol/transactions/recipeTransfer.h"
 #include "serviceForProtocol/transactions/replyDecoding.h"
 #include "tanek_vs/frameCodec.h"
 #include "tanek_vs/replyCheck.h"
 #include "tanek_vs/requestFrames.h"
 
-#include <QtCore/QMutexLocker>
+#include <tanek_vs/driver.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
 
 namespace {
-
-const int DOWNLOAD_REQUEST_BYTE = 60115;
-const int UPLOAD_REQUEST_BYTE = 60116;
-const quint8 TRANSFER_REQUESTED = 1;
-const quint8 TRANSFER_ENDED = 0;
 
 /// Writes in a row while poll blocks wait.
 const int LONGEST_WRITE_BURST = 10;
@@ -38,61 +38,31 @@ const int CONDITION_READ_GIVEN_UP = -1;
 
 void buildReadFrame()
 {
-    driver.currentReadList.clear();
-    driver.currentReadList.append(driver.currentVariable);
+    if (driver.currentReadList.isEmpty())
+        driver.currentReadList.append(VARIABLE());
+    VARIABLE &request = driver.currentReadList[0]; // reads carry no data
+    request.hostContext = driver.currentVariable.hostContext;
+    setRun(request, driver.currentVariable);
     getReadFrame(driver.currentReadList);
-}
-
-/// The transfer that the host asks for, as the kind of its transactions; TransactionIdle: none.
-TransactionKind requestedTransfer()
-{
-    if (!driver.hostControlBlock || !driver.hostMutex)
-        return TransactionIdle;
-    const QMutexLocker lock(driver.hostMutex);
-    if (driver.hostControlBlock[DOWNLOAD_REQUEST_BYTE] == TRANSFER_REQUESTED)
-        return TransactionRecipeWrite;
-    return driver.hostControlBlock[UPLOAD_REQUEST_BYTE] == TRANSFER_REQUESTED ? TransactionRecipeRead : TransactionIdle;
-}
-
-void endTransfer(int kind)
-{
-    driver.recipeIndex = 0;
-    if (!driver.hostControlBlock || !driver.hostMutex)
-        return;
-    const QMutexLocker lock(driver.hostMutex);
-    driver.hostControlBlock[kind == TransactionRecipeWrite ? DOWNLOAD_REQUEST_BYTE : UPLOAD_REQUEST_BYTE] =
-        TRANSFER_ENDED;
 }
 
 /// @return false when no recipe block is to be transferred.
 bool beginRecipeBlock()
 {
-    const TransactionKind kind = requestedTransfer();
-    if (kind == TransactionIdle)
+    const TransactionKind transfer = requestedTransfer();
+    if (transfer == TransactionIdle || !nextRecipeBlock(transfer))
         return false;
-    if (driver.recipeIndex >= driver.recipeBlocks.size() || !driver.recipeBuffer) {
-        endTransfer(kind);
-        return false;
-    }
-    const _RCP_VAR_PRO block = driver.recipeBlocks.at(driver.recipeIndex);
-    driver.transactionKind = kind;
-    rcpAddrToVar(block, driver.currentVariable, kind == TransactionRecipeWrite ? 1 : 0);
-    if (kind == TransactionRecipeRead)
+    if (transfer == TransactionRecipeRead)
         buildReadFrame();
-    else if (!takesValuesFromOutside(block))
+    else if (hasValuesInBuffer())
         getWriteFrame(driver.currentVariable);
     return true;
 }
 
 bool beginWrite()
 {
-    {
-        const QMutexLocker lock(&driver.mutex);
-        if (driver.writeQueue.isEmpty() || driver.burstCount >= LONGEST_WRITE_BURST ||
-            driver.writesBeingMirrored.contains(driver.finishedWrites))
-            return false;
-        driver.currentVariable = driver.writeQueue.at(0);
-    }
+    if (driver.burstCount >= LONGEST_WRITE_BURST || !nextWrite(driver.currentVariable))
+        return false;
     driver.transactionKind = TransactionWrite;
     ++driver.burstCount;
     getWriteFrame(driver.currentVariable);
@@ -103,7 +73,7 @@ bool beginConditionRead()
 {
     if (driver.conditionReads.isEmpty() || driver.burstCount >= LONGEST_CONDITION_READ_BURST)
         return false;
-    driver.currentVariable = driver.conditionReads.at(0);
+    copyRequest(driver.conditionReads.at(0), driver.currentVariable);
     driver.transactionKind = TransactionConditionRead;
     ++driver.burstCount;
     buildReadFrame();
@@ -118,7 +88,7 @@ bool beginBlockRead()
         driver.frameQueue.clear();
         return false;
     }
-    driver.currentVariable = driver.readBlocks.at(0);
+    copyRequest(driver.readBlocks.at(0), driver.currentVariable);
     driver.transactionKind = TransactionBlockRead;
     buildReadFrame();
     return true;
@@ -171,19 +141,10 @@ ReplyResult refuseReply(const VARIABLE &request)
     return ReplyGivenUp;
 }
 
-void finishWrite()
-{
-    const QMutexLocker lock(&driver.mutex);
-    if (driver.writeQueue.isEmpty())
-        return;
-    driver.writeQueue.removeFirst();
-    ++driver.finishedWrites;
-}
-
 void finishConditionRead()
 {
     const bool failed = driver.lastTransactionFailed == 1;
-    if (!driver.conditionReads.isEmpty() && isSameRequest(driver.conditionReads.at(0), driver.lastConditionRead))
+    if (!driver.conditionReads.isEmpty() && isSameRun(driver.conditionReads.at(0), driver.lastConditionRead))
         callHost(NOTIFICATION_INSTANCE, NOTIFICATION_STATION, QString::fromLatin1("-1"),
                  failed ? CONDITION_READ_GIVEN_UP : CONDITION_READ_DONE);
     if (failed)
@@ -198,20 +159,13 @@ void rotateReadBlocks()
         driver.readBlocks.move(0, static_cast<int>(driver.readBlocks.size()) - 1);
 }
 
-void finishRecipeBlock()
-{
-    if (driver.lastTransactionFailed == 0 && ++driver.recipeIndex < driver.recipeBlocks.size())
-        return;
-    endTransfer(driver.transactionKind);
-}
-
 } // namespace
 
 void dealListWhenFinish()
 {
     switch (driver.transactionKind) {
     case TransactionWrite:
-        return finishWrite();
+        return removeFinishedWrite();
     case TransactionConditionRead:
         return finishConditionRead();
     case TransactionBlockRead:
@@ -228,7 +182,7 @@ int intf_getSendFrame(FRAME_PRO *hostFrame)
 {
     if (!hostFrame || (driver.frameQueue.isEmpty() && !beginTransaction()))
         return 0;
-    *hostFrame = driver.frameQueue.at(0);
+    copyFrame(driver.frameQueue.at(0), *hostFrame);
     return 1;
 }
 
@@ -239,7 +193,7 @@ int intf_dealRcvFrame(QByteArray &reply, QString &description)
         return ReplyToNothing;
     dealFrameRead_0x10(reply);
     description = getErrorInfo(reply);
-    const VARIABLE request = driver.frameQueue.at(0).variable;
+    const VARIABLE &request = driver.frameQueue.at(0).variable;
     const int verdict =
         check_rcv_data(reinterpret_cast<const quint8 *>(reply.constData()), static_cast<int>(reply.size()));
     if (verdict == ReplyRefused)

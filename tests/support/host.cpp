@@ -1,0 +1,169 @@
+#include "support/host.h"
+
+#include "support/require.h"
+
+#include <utility>
+
+Host *Host::s_reportedTo = nullptr;
+
+std::vector<std::string> plain(const QList<QString> &texts)
+{
+    std::vector<std::string> result;
+    for (const QString &text : texts)
+        result.push_back(plain(text));
+    return result;
+}
+
+namespace {
+
+template <typename Record> Record withRun(const std::string &regName, int address, int count, int station)
+{
+    Record record;
+    record.station = station;
+    record.regName = qt(regName);
+    record.address = address;
+    record.count = count;
+    return record;
+}
+
+} // namespace
+
+KEY_ADDRESS key(const std::string &regName, int address, int count, int station)
+{
+    return withRun<KEY_ADDRESS>(regName, address, count, station);
+}
+
+VARIABLE request(const std::string &regName, int address, int count, int station)
+{
+    return withRun<VARIABLE>(regName, address, count, station);
+}
+
+_RCP_VAR_PRO recipeItem(const std::string &regName, int address, int count, int bufferOffset, int station)
+{
+    _RCP_VAR_PRO item = withRun<_RCP_VAR_PRO>(regName, address, count, station);
+    item.instanceId = INSTANCE;
+    item.bufferOffset = bufferOffset;
+    return item;
+}
+
+std::string Report::text() const
+{
+    const std::string place = regName + " " + std::to_string(address) + " @" + std::to_string(station);
+    return instance == INSTANCE ? place : place + " of " + std::to_string(instance);
+}
+
+Host::Host(const Calls &table) : calls(table)
+{
+    s_reportedTo = this;
+    calls.intf_setAddrValueChangeCallBack(&Host::changed);
+    configures(3, 16);
+    plansRecipe({});
+}
+
+Host::~Host()
+{
+    calls.intf_setAddrValueChangeCallBack(nullptr);
+    s_reportedTo = nullptr;
+}
+
+void Host::configures(int retryLimit, int mergeGap, int cacheOnlyWrites)
+{
+    const std::string property = std::to_string(INSTANCE) + "#" + std::to_string(cacheOnlyWrites) + "#0#" +
+                                 std::to_string(retryLimit) + "#" + std::to_string(mergeGap);
+    configures(property.c_str());
+}
+
+void Host::configures(const char *property)
+{
+    int result = -1;
+    const int returned =
+        calls.intf_initProperty(controlBlock.data(), nullptr, recipeBuffer.data(), &result, property, &hostMutex);
+    require(returned == 1 && result == 0, "the configuration is taken");
+}
+
+int Host::polls(const std::vector<KEY_ADDRESS> &keys)
+{
+    QList<KEY_ADDRESS> list;
+    for (const KEY_ADDRESS &wanted : keys)
+        list.append(wanted);
+    return calls.intf_addrMerge(&list);
+}
+
+void Host::writes(const std::string &regName, int address, int count, const Bytes &values, int station,
+                  std::uintptr_t number)
+{
+    require(calls.intf_setData(station, qt(regName), address, count, values.data(), number) == 1, "setData gives 1");
+}
+
+Bytes Host::reads(const std::string &regName, int address, int count, int station)
+{
+    const unsigned char untouched = 0xEE;
+    Bytes values(static_cast<std::size_t>(count > 0 ? count : 0) * 4 + 4, untouched);
+    require(calls.intf_getData(station, qt(regName), address, count, values.data()) == 1, "getData gives 1");
+    while (!values.empty() && values.back() == untouched)
+        values.pop_back();
+    return values;
+}
+
+int Host::word(int address, int station)
+{
+    quint8 bytes[2] = {};
+    calls.intf_getData(station, qt("D"), address, 1, bytes);
+    return bytes[0] + 256 * bytes[1];
+}
+
+int Host::plansRecipe(const std::vector<_RCP_VAR_PRO> &items)
+{
+    QVector<_RCP_VAR_PRO> vector;
+    for (const _RCP_VAR_PRO &item : items)
+        vector.append(item);
+    return calls.intf_setRcpAddress(&vector);
+}
+
+std::string Host::sends()
+{
+    if (calls.intf_getSendFrame(&frame) == 0)
+        return "nothing";
+    return (frame.dataOffset == 0 ? "write " : "read ") + text(frame.variable);
+}
+
+int Host::receives(const Bytes &answer)
+{
+    QByteArray array = arrayOf(answer);
+    return calls.intf_dealRcvFrame(array, m_description);
+}
+
+std::string Host::exchanges(const Bytes &answer)
+{
+    const std::string sent = sends();
+    receives(answer);
+    return sent;
+}
+
+std::vector<std::string> Host::exchangesWell(int number)
+{
+    std::vector<std::string> sent;
+    for (int i = 0; i < number; ++i) {
+        sent.push_back(sends());
+        const int dataSize = frame.replyLength > 10 ? frame.replyLength - 10 : 0;
+        receives(reply(Bytes(static_cast<std::size_t>(dataSize), 0)));
+    }
+    return sent;
+}
+
+Reports Host::reports() { return std::exchange(m_reports, {}); }
+
+int Host::changed(int instance, int station, QString &regName, int address)
+{
+    Host &host = *s_reportedTo;
+    for (QMutex *lock : host.freeInCallback) {
+        require(lock->tryLock(), "no lock is held while the callback runs");
+        lock->unlock();
+    }
+    const Report report = {instance, station, plain(regName), address};
+    if (host.notesReports)
+        host.m_reports.push_back(report.text());
+    if (host.whenReported)
+        host.whenReported(report);
+    return 0;
+}
