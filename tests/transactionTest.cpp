@@ -59,9 +59,14 @@ TEST_F(TransactionTest, conditionReadsFillABurstOfThree)
 TEST_F(TransactionTest, blocksAreReadInTurn)
 {
     EXPECT_EQ(polls({key("D", 0, 1), key("D", 100, 1), key("D", 200, 1)}), 3);
-    exchangesWell(1);
-    EXPECT_EQ(texts(driver.readBlocks), (Sent{"D 100 1 @1", "D 200 1 @1", "D 0 1 @1"}));
-    EXPECT_EQ(exchangesWell(3), (Sent{"read D 100 1 @1", "read D 200 1 @1", "read D 0 1 @1"}));
+    EXPECT_EQ(exchangesWell(4), (Sent{"read D 0 1 @1", "read D 100 1 @1", "read D 200 1 @1", "read D 0 1 @1"}));
+    // A block that is in flight while the list is replaced counts as the first of the new list.
+    sends();
+    polls({key("D", 7, 1), key("D", 107, 1)});
+    EXPECT_EQ(receives(reply(words({1}))), 1);
+    EXPECT_EQ(exchangesWell(2), (Sent{"read D 107 1 @1", "read D 7 1 @1"}));
+    EXPECT_EQ(polls({key("D", 0, 1)}), 1);
+    EXPECT_EQ(exchangesWell(2), (Sent{"read D 0 1 @1", "read D 0 1 @1"}));
 }
 
 TEST_F(TransactionTest, frameIsResentUntilTheRetryLimit)

@@ -47,7 +47,7 @@ public:
     quint16 *recipeBuffer = nullptr;
     QMutex *hostMutex = nullptr;
 
-    /// Blocks of the poll list; the head is read next and then goes to the end.
+    /// Blocks of the poll list, read in turn; `nextReadBlock` is the one whose turn it is.
     QList<VARIABLE> readBlocks;
     /// Pending writes, the head in flight. Guarded by `mutex`.
     QList<VARIABLE> writeQueue;
@@ -104,6 +104,9 @@ public:
     QList<quint32> writesBeingMirrored;
     /// Requests that were displaced from `writeQueue` while they were being mirrored.
     QList<DisplacedWrite> displacedWrites;
+
+    /// Index in `readBlocks`. The list itself stays as it is: to turn it would cost the more the longer it is.
+    int nextReadBlock = 0;
 
     /// The recipe was planned anew since the last recipe block was begun.
     bool recipePlanReplaced = false;

@@ -11,10 +11,16 @@
 
 #include <cstring>
 
-inline void copyRequest(const VARIABLE &from, VARIABLE &to)
+/// Copies a request to read, which carries no data; the data of `to` stay.
+inline void copyRead(const VARIABLE &from, VARIABLE &to)
 {
     to.hostContext = from.hostContext;
     setRun(to, from);
+}
+
+inline void copyRequest(const VARIABLE &from, VARIABLE &to)
+{
+    copyRead(from, to);
     std::memcpy(to.data, from.data, sizeof to.data);
 }
 

@@ -62,12 +62,12 @@ struct Head {
 
 /// Completes a frame whose data bytes stand in place.
 /// @return false when its doubled form is too long.
-bool complete(FRAME_PRO &frame, const VARIABLE &request, const RegisterKind &kind, const Head &head, int dataSize)
+bool complete(FRAME_PRO &frame, int station, const RegisterKind &kind, const Head &head, int dataSize)
 {
     quint8 *bytes = frame.frame;
     bytes[0] = FRAME_DLE;
     bytes[1] = FRAME_STX;
-    bytes[FRAME_BODY_OFFSET] = static_cast<quint8>(request.station);
+    bytes[FRAME_BODY_OFFSET] = static_cast<quint8>(station);
     putLittleEndian(bytes + REQUEST_LENGTH_OFFSET, REQUEST_DATA_OFFSET - REQUEST_COMMAND_OFFSET + dataSize, 2);
     bytes[REQUEST_COMMAND_OFFSET] = head.command;
     bytes[REQUEST_DEVICE_CODE_OFFSET] = kind.deviceCode;
@@ -81,7 +81,6 @@ bool complete(FRAME_PRO &frame, const VARIABLE &request, const RegisterKind &kin
     putLittleEndian(trailer + 2, computate_check(bytes + FRAME_BODY_OFFSET, static_cast<quint16>(bodySize)), 2);
 
     frame.frameLength = REQUEST_SIZE_WITHOUT_DATA + dataSize;
-    copyRequest(request, frame.variable);
     return dealFrameSend_0x10(bytes, frame.frameLength);
 }
 
@@ -100,7 +99,7 @@ bool buildBitWrite(const VARIABLE &request, const RegisterKind &kind, FRAME_PRO 
     if (request.count > RECORD_BUFFER_SIZE || !head.fits())
         return false;
     packBits(request, frame.frame + REQUEST_DATA_OFFSET);
-    return complete(frame, request, kind, head, dataSize);
+    return complete(frame, request.station, kind, head, dataSize);
 }
 
 bool buildUnitWrite(const VARIABLE &request, const RegisterKind &kind, FRAME_PRO &frame)
@@ -111,7 +110,7 @@ bool buildUnitWrite(const VARIABLE &request, const RegisterKind &kind, FRAME_PRO
         return false;
     const int size = static_cast<int>(dataSize);
     std::memcpy(frame.frame + REQUEST_DATA_OFFSET, request.data, static_cast<std::size_t>(size));
-    return complete(frame, request, kind, head, size);
+    return complete(frame, request.station, kind, head, size);
 }
 
 /// Builds a frame where it is to stand: at the end of the frame queue.
@@ -139,7 +138,8 @@ bool buildReadFrame(const VARIABLE &request, FRAME_PRO &frame)
     frame.replyLength = static_cast<int>(replyDataSize(kind->unitWidth, request.count)) + REPLY_SIZE_WITHOUT_DATA;
     frame.dataOffset = REPLY_DATA_OFFSET;
     frame.readCount = request.count;
-    return complete(frame, request, *kind, head, 0);
+    copyRead(request, frame.variable);
+    return complete(frame, request.station, *kind, head, 0);
 }
 
 bool buildWriteFrame(const VARIABLE &request, FRAME_PRO &frame)
@@ -150,6 +150,7 @@ bool buildWriteFrame(const VARIABLE &request, FRAME_PRO &frame)
     frame.replyLength = request.station == BROADCAST_STATION ? 0 : REPLY_SIZE_WITHOUT_DATA;
     frame.dataOffset = 0;
     frame.readCount = 0;
+    copyRequest(request, frame.variable);
     return (kind->holdsBits() ? buildBitWrite : buildUnitWrite)(request, *kind, frame);
 }
 

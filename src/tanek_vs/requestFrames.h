@@ -7,7 +7,7 @@
 #include <QtCore/QList>
 
 /// Builds the frame that reads the request's units.
-/// @param frame receives it when there is one; else it is left in an undefined state.
+/// @param frame an empty one; receives the frame when there is one, else it is left in an undefined state.
 /// @return whether there is one: not for an unknown kind, for the broadcast station, which nobody answers, or for a
 ///         number or count that a request has no room for.
 bool buildReadFrame(const VARIABLE &request, FRAME_PRO &frame);

@@ -33,6 +33,7 @@ void readSettings(const QString &property)
 void dropWork()
 {
     driver.readBlocks.clear();
+    driver.nextReadBlock = 0;
     forgetWrites();
     driver.conditionReads.clear();
     forgetUnits();

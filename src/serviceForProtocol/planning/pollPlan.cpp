@@ -199,6 +199,7 @@ int intf_addrMerge(const QList<KEY_ADDRESS> *keys)
             plan.push_back(plannedRun(Run{key.station, kind->name, key.address, key.count}, 0));
     }
     driver.readBlocks.clear();
+    driver.nextReadBlock = 0;
     addrMerge(plan, MergePoll);
     for (const PlannedRun &block : plan)
         driver.readBlocks.append(pollRequest(block));

@@ -17,6 +17,8 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <cstring>
+
 namespace {
 
 /// Writes in a row while poll blocks wait.
@@ -36,14 +38,21 @@ const int NOTIFICATION_STATION = -1;
 const int CONDITION_READ_DONE = 0;
 const int CONDITION_READ_GIVEN_UP = -1;
 
+/// Builds the frame that reads the current request.
 void buildReadFrame()
 {
     if (driver.currentReadList.isEmpty())
         driver.currentReadList.append(VARIABLE());
-    VARIABLE &request = driver.currentReadList[0]; // reads carry no data
-    request.hostContext = driver.currentVariable.hostContext;
-    setRun(request, driver.currentVariable);
+    copyRead(driver.currentVariable, driver.currentReadList[0]);
     getReadFrame(driver.currentReadList);
+}
+
+void beginRead(const VARIABLE &request, TransactionKind kind)
+{
+    copyRead(request, driver.currentVariable);
+    std::memset(driver.currentVariable.data, 0, sizeof driver.currentVariable.data);
+    driver.transactionKind = kind;
+    buildReadFrame();
 }
 
 /// @return false when no recipe block is to be transferred.
@@ -73,10 +82,8 @@ bool beginConditionRead()
 {
     if (driver.conditionReads.isEmpty() || driver.burstCount >= LONGEST_CONDITION_READ_BURST)
         return false;
-    copyRequest(driver.conditionReads.at(0), driver.currentVariable);
-    driver.transactionKind = TransactionConditionRead;
     ++driver.burstCount;
-    buildReadFrame();
+    beginRead(driver.conditionReads.at(0), TransactionConditionRead);
     return true;
 }
 
@@ -88,9 +95,7 @@ bool beginBlockRead()
         driver.frameQueue.clear();
         return false;
     }
-    copyRequest(driver.readBlocks.at(0), driver.currentVariable);
-    driver.transactionKind = TransactionBlockRead;
-    buildReadFrame();
+    beginRead(driver.readBlocks.at(driver.nextReadBlock), TransactionBlockRead);
     return true;
 }
 
@@ -153,10 +158,11 @@ void finishConditionRead()
         driver.conditionReads.removeFirst();
 }
 
-void rotateReadBlocks()
+void finishBlockRead()
 {
-    if (driver.readBlocks.size() >= 2)
-        driver.readBlocks.move(0, static_cast<int>(driver.readBlocks.size()) - 1);
+    ++driver.nextReadBlock;
+    if (driver.nextReadBlock >= driver.readBlocks.size())
+        driver.nextReadBlock = 0;
 }
 
 } // namespace
@@ -169,7 +175,7 @@ void dealListWhenFinish()
     case TransactionConditionRead:
         return finishConditionRead();
     case TransactionBlockRead:
-        return rotateReadBlocks();
+        return finishBlockRead();
     case TransactionRecipeWrite:
     case TransactionRecipeRead:
         return finishRecipeBlock();
