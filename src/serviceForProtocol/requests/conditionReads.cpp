@@ -20,8 +20,8 @@ const int UNIT_CODE_BITS = -1;
 Run wordsOfBits(const RegisterKind &kind, const Run &bits)
 {
     const qint64 fromWordsFirstBit = static_cast<qint64>(bits.count) + bits.address % kind.unitWidth;
-    const Run words = {bits.station, kind.keyName, bits.address / kind.unitWidth,
-                       unitsOfBits(fromWordsFirstBit, kind.unitWidth)};
+    Run words = {bits.station, kind.keyName, bits.address / kind.unitWidth,
+                 unitsOfBits(fromWordsFirstBit, kind.unitWidth)};
     return words;
 }
 

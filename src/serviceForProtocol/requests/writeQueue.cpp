@@ -23,27 +23,21 @@ void takeMirrored(QList<DisplacedWrite> &from, QList<VARIABLE> &ended)
 
 } // namespace
 
-PostedWrite::PostedWrite(const QList<VARIABLE> &requests)
+bool PostedWrite::queue(const VARIABLE &request)
 {
     const QMutexLocker lock(&driver.mutex);
-    for (int i = 0; i < requests.size(); ++i)
-        queue(requests.at(i));
-    driver.writesBeingMirrored += m_numbers;
-}
-
-void PostedWrite::queue(const VARIABLE &request)
-{
     const QueuePlace place = placeInQueue(driver.writeQueue, request);
     if (place.kind == QueuePlace::OfDisplaced) {
         m_displaced.append(DisplacedWrite{driver.writeNumbers.at(place.index), driver.writeQueue.at(place.index)});
         driver.writeNumbers.removeAt(place.index);
     }
     putInQueue(driver.writeQueue, request, place);
-    if (place.kind != QueuePlace::OfSameRun) {
+    if (place.kind != QueuePlace::OfSameRun)
         driver.writeNumbers.append(++driver.lastWriteNumber);
-        m_added.append(runOf(request));
-    }
-    m_numbers.append(driver.writeNumbers.at(place.index));
+    const quint32 number = driver.writeNumbers.at(place.index);
+    m_numbers.append(number);
+    driver.writesBeingMirrored.append(number);
+    return place.kind != QueuePlace::OfSameRun;
 }
 
 QList<VARIABLE> PostedWrite::isShown()

@@ -16,13 +16,13 @@
 /// A write that is being posted, from the queueing of its requests to the moment when all of its values are shown.
 class PostedWrite {
 public:
-    /// Queues the requests.
-    explicit PostedWrite(const QList<VARIABLE> &requests);
+    PostedWrite() = default;
     PostedWrite(const PostedWrite &) = delete;
     PostedWrite &operator=(const PostedWrite &) = delete;
 
-    /// The requests that got a place of their own in the queue, not that of one for the same run.
-    const QList<Run> &added() const { return m_added; }
+    /// Queues a request of the write.
+    /// @return whether it got a place of its own, and not that of a request for the same run.
+    bool queue(const VARIABLE &request);
 
     /// Says that the values are shown, and so lets the requests be sent. To be called once.
     /// @return the requests that found their end with that, in the order of their displacement: the ones this write
@@ -30,10 +30,7 @@ public:
     QList<VARIABLE> isShown();
 
 private:
-    void queue(const VARIABLE &request);
-
     QList<quint32> m_numbers;
-    QList<Run> m_added;
     QList<DisplacedWrite> m_displaced;
 };
 

@@ -36,28 +36,29 @@ std::vector<quint8> switched(const quint8 *values, int count)
     return bits;
 }
 
-QList<VARIABLE> requestsOf(const RegisterKind &kind, const Run &run, const quint8 *values, std::uintptr_t hostContext)
+/// The request for a piece of a write.
+/// @param values those of the piece.
+VARIABLE requestFor(const Run &units, const quint8 *values, int bytes, std::uintptr_t hostContext)
+{
+    VARIABLE request;
+    request.hostContext = hostContext;
+    setRun(request, units);
+    std::memcpy(request.data, values, static_cast<std::size_t>(bytes));
+    return request;
+}
+
+void queue(PostedWrite &write, const RegisterKind &kind, const Run &run, const quint8 *values,
+           std::uintptr_t hostContext)
 {
     QList<Run> pieces;
     groupingKey(run, longestPiece(kind, kind.holdsBits() ? CountedInBits : CountedInWords), pieces, 1);
-    QList<VARIABLE> requests;
     for (int i = 0; i < pieces.size(); ++i) {
-        const Run &piece = pieces.at(i);
-        VARIABLE request;
-        request.hostContext = hostContext;
-        setRun(request, inDeviceUnits(kind, run, piece));
-        const std::ptrdiff_t firstByte = static_cast<std::ptrdiff_t>(piece.address - run.address) * bytesPerCount(kind);
-        std::memcpy(request.data, values + firstByte, static_cast<std::size_t>(piece.count * bytesPerCount(kind)));
-        requests.append(request);
-    }
-    return requests;
-}
-
-void awaitRequestsOfBits(const RegisterKind &kind, const QList<Run> &requests)
-{
-    for (int i = 0; kind.isBitInWord && i < requests.size(); ++i) {
-        const Run &bits = requests.at(i);
-        awaitBits(UnitRun(shapeOfValues(kind), bits.station, kind.keyName, bits.address, bits.count));
+        const Run units = inDeviceUnits(kind, run, pieces.at(i));
+        const int bytes = pieces.at(i).count * bytesPerCount(kind);
+        const bool isAdded = write.queue(requestFor(units, values, bytes, hostContext));
+        if (isAdded && kind.isBitInWord)
+            awaitBits(UnitRun(shapeOfValues(kind), units.station, kind.keyName, units.address, units.count));
+        values += bytes;
     }
 }
 
@@ -75,10 +76,10 @@ void post(const RegisterKind &kind, const Run &run, const quint8 *values, std::u
         return write_saveDataToArea(run.station, run.regName, run.address, run.count, values);
     if (run.count * bytesPerCount(kind) > RECORD_BUFFER_SIZE)
         return;
-    PostedWrite posted(requestsOf(kind, run, values, hostContext));
-    awaitRequestsOfBits(kind, posted.added());
+    PostedWrite write;
+    queue(write, kind, run, values, hostContext);
     write_saveDataToArea(run.station, run.regName, run.address, run.count, values);
-    giveUp(posted.isShown());
+    giveUp(write.isShown());
 }
 
 } // namespace
