@@ -39,10 +39,10 @@ Bytes withChoices(Bytes bytes, const Bytes &choices)
 std::vector<Bytes> repliesForEveryKind()
 {
     std::vector<Bytes> inputs;
-    for (unsigned char kind = 0; kind < kinds().size(); ++kind) {
+    for (std::size_t kind = 0; kind < kinds().size(); ++kind) {
         for (unsigned char mode = 0; mode < 5; ++mode) {
             // Kind, station 1, address 200, count 2, way of asking, not wrapped.
-            const Bytes choices = {kind, 0, 0, 200, 1, mode, 0};
+            const Bytes choices = {static_cast<unsigned char>(kind), 0, 0, 200, 1, mode, 0};
             for (const Bytes &answer : {reply(words({0x1234, 0x1010})), reply(words({0x1234})), reply({1}),
                                         acknowledgement(), refusal(3), Bytes()})
                 inputs.push_back(withChoices(answer, choices));

@@ -17,8 +17,8 @@ bool isGood(const FRAME_PRO &frame, const QByteArray &reply)
     if (size != frame.replyLength || reply.at(5) != 0)
         return false;
     const int sum = std::accumulate(reply.begin() + 2, reply.end() - 4, 0) & 0xff;
-    static const char digits[] = "0123456789ABCDEF";
-    return reply.at(size - 2) == digits[sum >> 4] && reply.at(size - 1) == digits[sum & 15];
+    static const char DIGITS[] = "0123456789ABCDEF";
+    return reply.at(size - 2) == DIGITS[sum >> 4] && reply.at(size - 1) == DIGITS[sum & 15];
 }
 
 Bytes readContents()

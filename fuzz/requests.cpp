@@ -7,7 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
     FuzzedDataProvider input(bytes, size);
-    const auto mode = input.ConsumeBool() ? vssim::BitWriteMode::single : vssim::BitWriteMode::bytes;
+    const auto mode = input.ConsumeBool() ? vssim::BitWriteMode::LoneBit : vssim::BitWriteMode::WholeBytes;
     vssim::Controller controller({1, 16}, mode);
     const bool isFaulty = input.ConsumeBool();
     if (isFaulty) {

@@ -191,10 +191,9 @@ TEST(RegisterTable, listsKindsByTypeBehindWhatTheListHolds)
 {
     for (const int type : {0, 1, 2, -1}) {
         std::vector<std::string> expected = {"kept"};
-        for (const Kind &kind : kinds()) {
+        for (const Kind &kind : kinds())
             if (kind.holdsBits() == (type == 0))
                 expected.push_back(kind.name);
-        }
         QStringList names(qt("kept"));
         EXPECT_EQ(intf_getRegListByType(type, names), type == 0 || type == 1);
         EXPECT_EQ(plain(names), expected) << type;

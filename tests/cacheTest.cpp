@@ -183,8 +183,9 @@ protected:
 
     long pendingUnits() const
     {
-        return std::count_if(driver.dataAreas.begin(), driver.dataAreas.end(),
-                             [](const _DATA_ &area) { return area.writePending == 1; });
+        return std::count_if(
+            driver.dataAreas.begin(), driver.dataAreas.end(),
+            [](const _DATA_ &area) { return area.writePending == 1; });
     }
 
     void SetUp() override { flag(units); }

@@ -283,9 +283,9 @@ TEST(EndToEnd, theControllerReadsEveryFrameAsItWasMeant)
         EXPECT_EQ(request->station, meant.station);
         EXPECT_EQ(request->kind->name, plain(meant.regName));
         EXPECT_EQ(request->number, static_cast<std::uint32_t>(meant.address));
-        const bool bits = request->command == vssim::Command::writeBits;
+        const bool bits = request->command == vssim::Command::WriteBits;
         EXPECT_EQ(request->count, static_cast<std::uint32_t>(bits ? (meant.count + 7) / 8 : meant.count));
-        if (request->command == vssim::Command::writeUnits)
+        if (request->command == vssim::Command::WriteUnits)
             EXPECT_EQ(request->data, Bytes(meant.data, meant.data + request->data.size()));
     };
     std::vector<Wanted> wanted;
@@ -402,10 +402,9 @@ TEST_P(OfEveryKind, noWrongValueIsShownAndEveryWriteEnds)
     plant->controller.clearFaults();
     EXPECT_TRUE(uploaded == uploads() || uploaded == std::vector<quint16>(10)) << "all of it or none";
     expectsAllShown();
-    for (std::size_t i = 0; i < written.size(); ++i) {
+    for (std::size_t i = 0; i < written.size(); ++i)
         if (panel->writeEnds.at(i + 1))
             EXPECT_EQ(held(written[i].first), written[i].second) << written[i].first.place() << " was confirmed";
-    }
     const auto met = plant->controller.counts().faults;
     EXPECT_GT(std::accumulate(met.begin(), met.end(), std::uint64_t{0}), 0U) << "the fault was never met";
 }

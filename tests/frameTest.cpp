@@ -324,10 +324,9 @@ TEST_F(ReplyTest, mayBeMissingOnlyWhereNoneIsAskedToAnswer)
 std::vector<std::size_t> judgedBits(const Bytes &reply)
 {
     std::vector<std::size_t> bits;
-    for (std::size_t bit = 16; bit < 8 * reply.size(); ++bit) {
+    for (std::size_t bit = 16; bit < 8 * reply.size(); ++bit)
         if (bit / 8 + 4 < reply.size() || bit / 8 + 2 >= reply.size())
             bits.push_back(bit);
-    }
     return bits;
 }
 

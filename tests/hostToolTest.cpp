@@ -137,9 +137,8 @@ TEST(Config, IsRefusedWithThePlaceAndTheReason)
         {link + "[[recipe]]\nname = \"r\"\n", "f:3:1: recipe 'r': 'item' is missing"},
         {link + "gr\u00F6\u00DFe = 1\n", "f:3:3: Error while parsing key-value pair: expected '=', saw '\u00F6'"},
     };
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         EXPECT_EQ(complaintAbout(row.text), row.complaint) << row.text;
-    }
 }
 
 TEST(Config, CannotBeReadFromAFolderOrFromNothing)
@@ -220,9 +219,8 @@ TEST(Value, RefusesWhatItCannotHold)
         {{ValueType::Float32, 1, false}, "1e39"},   {{ValueType::Float32, 1, false}, "nan"},
         {{ValueType::Hex, 1, false}, "0x"},
     };
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         EXPECT_THROW(bytesOf(row.format, row.given), UsageError) << row.given;
-    }
 }
 
 // ---- Tables ----

@@ -200,17 +200,15 @@ RC_GTEST_FIXTURE_PROP(RecipeTest, carriesEveryWordToItsOwnRegisterOnce, ())
     while (isAsked(UPLOAD_BYTE)) {
         sends();
         Bytes data;
-        for (int k = 0; k < frame.readCount; ++k) {
+        for (int k = 0; k < frame.readCount; ++k)
             for (const unsigned char byte : words({frame.variable.address + k}))
                 data.push_back(byte);
-        }
         RC_ASSERT(receives(reply(data)) == 1);
     }
     RC_ASSERT(reports().size() == static_cast<std::size_t>(offset));
-    for (const _RCP_VAR_PRO &item : items) {
+    for (const _RCP_VAR_PRO &item : items)
         for (int k = 0; k < item.count; ++k)
             RC_ASSERT(recipeBuffer[static_cast<std::size_t>(item.bufferOffset + k)] == item.address + k);
-    }
 
     asks(DOWNLOAD_BYTE);
     int written = 0;

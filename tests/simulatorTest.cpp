@@ -99,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(SimulatorWrites, bitsInsideAWordAddressedByWordAndNibble)
 {
-    Controller controller({1}, BitWriteMode::bytes);
+    Controller controller({1}, BitWriteMode::WholeBytes);
     answerTo(controller, request("01 08 00 29 95 05 10 00 01 00 81")); // D100.5, eight bits
     EXPECT_EQ(controller.read(1, "D", 100), 0x1020U);
     EXPECT_EQ(controller.read(1, "D_bit", 1605), 1U);
@@ -110,18 +110,18 @@ TEST(SimulatorWrites, bitsInsideAWordAddressedByWordAndNibble)
 
 TEST(SimulatorWrites, aLoneByteAsOneBitOnlyInSingleMode)
 {
-    for (const BitWriteMode mode : {BitWriteMode::bytes, BitWriteMode::single}) {
+    for (const BitWriteMode mode : {BitWriteMode::WholeBytes, BitWriteMode::LoneBit}) {
         Controller controller({1}, mode);
         controller.write(1, "M", 11, 1);
         answerTo(controller, request("01 08 00 29 92 10 00 00 01 00 01"));
         EXPECT_EQ(controller.read(1, "M", 10), 1U);
-        EXPECT_EQ(controller.read(1, "M", 11), mode == BitWriteMode::single ? 1U : 0U);
+        EXPECT_EQ(controller.read(1, "M", 11), mode == BitWriteMode::LoneBit ? 1U : 0U);
     }
 }
 
 TEST(SimulatorWrites, bitsUpToTheEndOfTheKindAndPassesThePaddingOver)
 {
-    Controller controller({1}, BitWriteMode::bytes);
+    Controller controller({1}, BitWriteMode::WholeBytes);
     EXPECT_EQ(answerTo(controller, request("01 09 00 29 91 65 03 00 02 00 0D 03"))[5], 0); // Y365 to Y377
     EXPECT_EQ(controller.read(1, "Y", 365), 1U);
     EXPECT_EQ(controller.read(1, "Y", 374), 1U);

@@ -1,6 +1,8 @@
 /// Holds the records of the boundary to their layout: a host compiled long ago must find every field where it was.
 #include <tanek_vs/records.h>
 
+#include <QtCore/QString>
+
 #include <cstddef>
 
 namespace {

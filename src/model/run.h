@@ -17,7 +17,7 @@ struct Run {
 
 template <typename Record> Run runOf(const Record &record)
 {
-    const Run run = {record.station, record.regName, record.address, record.count};
+    Run run = {record.station, record.regName, record.address, record.count};
     return run;
 }
 

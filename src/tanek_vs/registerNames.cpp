@@ -6,10 +6,9 @@
 
 int getIndexFromRegName(const QString &regName)
 {
-    for (int i = 0; i < REGISTER_KIND_COUNT; ++i) {
+    for (int i = 0; i < REGISTER_KIND_COUNT; ++i)
         if (sharesText(REG_LIST.at(i), regName))
             return i;
-    }
     return static_cast<int>(REG_LIST.indexOf(regName));
 }
 

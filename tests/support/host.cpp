@@ -4,7 +4,7 @@
 
 #include <utility>
 
-Host *Host::s_reportedTo = nullptr;
+Host *Host::sReportedTo = nullptr;
 
 std::vector<std::string> plain(const QList<QString> &texts)
 {
@@ -54,7 +54,7 @@ std::string Report::text() const
 
 Host::Host(const Calls &table) : calls(table)
 {
-    s_reportedTo = this;
+    sReportedTo = this;
     calls.intf_setAddrValueChangeCallBack(&Host::changed);
     configures(3, 16);
     plansRecipe({});
@@ -63,7 +63,7 @@ Host::Host(const Calls &table) : calls(table)
 Host::~Host()
 {
     calls.intf_setAddrValueChangeCallBack(nullptr);
-    s_reportedTo = nullptr;
+    sReportedTo = nullptr;
 }
 
 void Host::configures(int retryLimit, int mergeGap, int cacheOnlyWrites)
@@ -135,7 +135,7 @@ int Host::receives(const Bytes &answer)
 
 std::string Host::exchanges(const Bytes &answer)
 {
-    const std::string sent = sends();
+    std::string sent = sends();
     receives(answer);
     return sent;
 }
@@ -155,7 +155,7 @@ Reports Host::reports() { return std::exchange(m_reports, {}); }
 
 int Host::changed(int instance, int station, QString &regName, int address)
 {
-    Host &host = *s_reportedTo;
+    Host &host = *sReportedTo;
     for (QMutex *lock : host.freeInCallback) {
         require(lock->tryLock(), "no lock is held while the callback runs");
         lock->unlock();

@@ -59,7 +59,7 @@ using Reports = std::vector<std::string>;
 /// that was made last.
 class Host {
 public:
-    explicit Host(const Calls &calls);
+    explicit Host(const Calls &table);
     ~Host();
     Host(const Host &) = delete;
     Host &operator=(const Host &) = delete;
@@ -106,7 +106,7 @@ public:
 private:
     static int changed(int instance, int station, QString &regName, int address);
 
-    static Host *s_reportedTo;
+    static Host *sReportedTo;
     Reports m_reports;
     QString m_description;
 };

@@ -23,11 +23,10 @@ void Screen::polls(const std::vector<Place> &places, std::vector<KEY_ADDRESS> ke
 void Screen::refresh(const Report &report)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    for (Shown &shown : m_shown) {
+    for (Shown &shown : m_shown)
         if (shown.place.address == report.address && shown.place.station == report.station &&
             shown.place.regName == report.regName)
             shown.value = valueNow(shown.place);
-    }
 }
 
 std::string Screen::stale()

@@ -19,16 +19,16 @@ extern "C" const char *__tsan_default_suppressions() { return "called_from_lib:l
 
 void QMutex::lock() QT_MUTEX_LOCK_NOEXCEPT
 {
-    static auto *const lockOfQt = ofQt<void(QMutex *)>("_ZN6QMutex4lockEv");
+    static auto *const LOCK_OF_QT = ofQt<void(QMutex *)>("_ZN6QMutex4lockEv");
     __tsan_mutex_pre_lock(this, 0);
-    lockOfQt(this);
+    LOCK_OF_QT(this);
     __tsan_mutex_post_lock(this, 0, 0);
 }
 
 void QMutex::unlock() noexcept
 {
-    static auto *const unlockOfQt = ofQt<void(QMutex *)>("_ZN6QMutex6unlockEv");
+    static auto *const UNLOCK_OF_QT = ofQt<void(QMutex *)>("_ZN6QMutex6unlockEv");
     __tsan_mutex_pre_unlock(this, 0);
-    unlockOfQt(this);
+    UNLOCK_OF_QT(this);
     __tsan_mutex_post_unlock(this, 0);
 }

@@ -14,13 +14,13 @@ Bytes hex(const std::string &text)
 
 std::string hexText(const Bytes &bytes)
 {
-    static const char digits[] = "0123456789abcdef";
+    static const char DIGITS[] = "0123456789abcdef";
     std::string text;
     for (unsigned char byte : bytes) {
         if (!text.empty())
             text += ' ';
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
+        text += DIGITS[byte >> 4];
+        text += DIGITS[byte & 15];
     }
     return text;
 }
@@ -45,13 +45,13 @@ Bytes words(std::initializer_list<int> values)
 Bytes envelope(const Bytes &body)
 {
     const int sum = std::accumulate(body.begin(), body.end(), 0) & 0xff;
-    static const char digits[] = "0123456789ABCDEF";
+    static const char DIGITS[] = "0123456789ABCDEF";
     Bytes frame = {0x10, 0x02};
     frame.insert(frame.end(), body.begin(), body.end());
     frame.push_back(0x10);
     frame.push_back(0x03);
-    frame.push_back(static_cast<unsigned char>(digits[sum >> 4]));
-    frame.push_back(static_cast<unsigned char>(digits[sum & 15]));
+    frame.push_back(static_cast<unsigned char>(DIGITS[sum >> 4]));
+    frame.push_back(static_cast<unsigned char>(DIGITS[sum & 15]));
     return frame;
 }
 

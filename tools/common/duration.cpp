@@ -8,7 +8,7 @@ namespace tools {
 
 namespace {
 
-constexpr double longestMilliseconds = 1e10; // about four months: nothing here runs longer
+constexpr double LONGEST_MILLISECONDS = 1e10; // about four months: nothing here runs longer
 
 double millisecondsPerUnit(const std::string &unit)
 {
@@ -32,7 +32,7 @@ std::chrono::milliseconds parseDuration(const std::string &text)
     if (!readable || digits > 12)
         throw std::invalid_argument(fmt::format("\"{}\" is no span of time such as 250ms, 10s or 2m", text));
     const double milliseconds = std::stod(text.substr(0, digits)) * factor;
-    if (milliseconds > longestMilliseconds)
+    if (milliseconds > LONGEST_MILLISECONDS)
         throw std::invalid_argument(fmt::format("the span of time \"{}\" is too long", text));
     return std::chrono::milliseconds(static_cast<std::chrono::milliseconds::rep>(milliseconds));
 }

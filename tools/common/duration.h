@@ -1,5 +1,6 @@
-// Spans of time as they are written on a command line.
-#pragma once
+/// Spans of time as they are written on a command line.
+#ifndef TOOLS_DURATION_H
+#define TOOLS_DURATION_H
 
 #include <chrono>
 #include <string>
@@ -10,3 +11,5 @@ namespace tools {
 std::chrono::milliseconds parseDuration(const std::string &text);
 
 } // namespace tools
+
+#endif

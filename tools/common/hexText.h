@@ -1,5 +1,6 @@
-// Bytes as people read them in a trace.
-#pragma once
+/// Bytes as people read them in a trace.
+#ifndef TOOLS_HEX_TEXT_H
+#define TOOLS_HEX_TEXT_H
 
 #include <cstddef>
 #include <cstdint>
@@ -11,3 +12,5 @@ namespace tools {
 std::string hexText(const std::uint8_t *bytes, std::size_t size);
 
 } // namespace tools
+
+#endif

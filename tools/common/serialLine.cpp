@@ -15,8 +15,8 @@ namespace tools {
 
 namespace {
 
-constexpr std::size_t settingCount = 4; // baud rate, data bits, parity, stop bits
-constexpr unsigned highestBaudRate = 4000000;
+constexpr std::size_t SETTING_COUNT = 4; // baud rate, data bits, parity, stop bits
+constexpr unsigned HIGHEST_BAUD_RATE = 4000000;
 
 [[noreturn]] void refuse(const std::string &text, const std::string &why)
 {
@@ -52,22 +52,22 @@ Parity parseParity(std::string name, const std::string &text)
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     if (name == "NONE" || name == "N")
-        return Parity::none;
+        return Parity::None;
     if (name == "ODD" || name == "O")
-        return Parity::odd;
+        return Parity::Odd;
     if (name == "EVEN" || name == "E")
-        return Parity::even;
+        return Parity::Even;
     refuse(text, fmt::format("\"{}\" is no parity (NONE, ODD or EVEN)", name));
 }
 
 asio::serial_port::parity::type asioParity(Parity parity)
 {
     switch (parity) {
-    case Parity::odd:
+    case Parity::Odd:
         return asio::serial_port::parity::odd;
-    case Parity::even:
+    case Parity::Even:
         return asio::serial_port::parity::even;
-    case Parity::none:
+    case Parity::None:
         break;
     }
     return asio::serial_port::parity::none;
@@ -121,9 +121,9 @@ SerialSettings parseSerial(const std::string &text)
     if (colon == std::string::npos)
         return settings;
     const std::vector<std::string> parts = splitAtCommas(text.substr(colon + 1));
-    if (parts.size() != settingCount)
+    if (parts.size() != SETTING_COUNT)
         refuse(text, "four settings belong behind the colon");
-    settings.baudRate = parseNumber(parts[0], 50, highestBaudRate, text, "baud rate");
+    settings.baudRate = parseNumber(parts[0], 50, HIGHEST_BAUD_RATE, text, "baud rate");
     settings.dataBits = parseNumber(parts[1], 5, 8, text, "number of data bits");
     settings.parity = parseParity(parts[2], text);
     settings.stopBits = parseNumber(parts[3], 1, 2, text, "number of stop bits");

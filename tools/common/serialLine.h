@@ -1,5 +1,6 @@
-// A serial line: how its settings are written, and how it is opened with them.
-#pragma once
+/// A serial line: how its settings are written, and how it is opened with them.
+#ifndef TOOLS_SERIAL_LINE_H
+#define TOOLS_SERIAL_LINE_H
 
 #include <asio/serial_port.hpp>
 
@@ -7,13 +8,13 @@
 
 namespace tools {
 
-enum class Parity { none, odd, even };
+enum class Parity { None, Odd, Even };
 
 struct SerialSettings {
     std::string device;
     unsigned baudRate = 19200;
     unsigned dataBits = 8;
-    Parity parity = Parity::none;
+    Parity parity = Parity::None;
     unsigned stopBits = 1;
 };
 
@@ -26,3 +27,5 @@ SerialSettings parseSerial(const std::string &text);
 void openSerial(asio::serial_port &port, const SerialSettings &settings);
 
 } // namespace tools
+
+#endif

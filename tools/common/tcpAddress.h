@@ -1,5 +1,6 @@
-// The TCP end point of a controller as text.
-#pragma once
+/// The TCP end point of a controller as text.
+#ifndef TOOLS_TCP_ADDRESS_H
+#define TOOLS_TCP_ADDRESS_H
 
 #include <cstdint>
 #include <string>
@@ -19,3 +20,5 @@ TcpAddress parseTcp(const std::string &text, const TcpAddress &defaults);
 std::string tcpText(const TcpAddress &address);
 
 } // namespace tools
+
+#endif

@@ -2,6 +2,9 @@
 
 #include "errors.h"
 
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
 #include <algorithm>
 
 namespace vshost {
@@ -46,13 +49,11 @@ Communication::Communication(const DriverCalls &calls, LinkKeeper &keeper, const
 void Communication::step()
 {
     Link *const link = m_keeper.get();
-    if (!link) {
+    if (!link)
         return;
-    }
     m_stop.wait(timeUntil(m_nextRequest));
-    if (m_stop.requested()) {
+    if (m_stop.requested())
         return;
-    }
     if (!choose()) {
         m_stop.wait(std::max(m_pollInterval, IDLE_WAIT));
         return;
@@ -72,9 +73,8 @@ bool Communication::choose()
         m_listener.nothingToSend();
         return false;
     }
-    if (!m_inFlight) {
+    if (!m_inFlight)
         m_listener.frameChosen(m_frame);
-    }
     return true;
 }
 
@@ -86,9 +86,8 @@ void Communication::exchange(Link &link)
     m_nextRequest = Clock::now() + m_pollInterval;
     const Reply reply = m_exchange.run(link, request);
     m_statistics.countReply(m_frame.variable.station, reply);
-    if (reply.end != ReplyEnd::Interrupted) {
+    if (reply.end != ReplyEnd::Interrupted)
         handBack(reply);
-    }
 }
 
 void Communication::handBack(const Reply &reply)

@@ -7,6 +7,8 @@
 #include "linkKeeper.h"
 #include "statistics.h"
 
+#include <QtCore/QString>
+
 namespace vshost {
 
 /// Why the driver gave a transaction up.

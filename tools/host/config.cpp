@@ -29,9 +29,8 @@ using TableHandler = std::function<void(const toml::table &)>;
 void forTable(TableReader &parent, const char *key, const TableHandler &handle)
 {
     const toml::node *const node = parent.node(key);
-    if (!node) {
+    if (!node)
         return;
-    }
     if (!node->is_table()) {
         parent.complain(key, fmt::format("'{}' must be a table: [{}]", key, key));
         return;
@@ -43,16 +42,14 @@ void forTable(TableReader &parent, const char *key, const TableHandler &handle)
 void forTables(TableReader &parent, const char *key, const TableHandler &handle)
 {
     const toml::node *const node = parent.node(key);
-    if (!node) {
+    if (!node)
         return;
-    }
     if (!node->is_array() || !node->as_array()->is_homogeneous<toml::table>()) {
         parent.complain(key, fmt::format("'{}' must be a list of tables, each beginning with [[{}]]", key, key));
         return;
     }
-    for (const toml::node &element : *node->as_array()) {
+    for (const toml::node &element : *node->as_array())
         handle(*element.as_table());
-    }
 }
 
 void readMilliseconds(TableReader &reader, const char *key, Milliseconds &time, int lowest)
@@ -70,9 +67,8 @@ void checkLinkAddress(TableReader &reader, const LinkConfig &link)
     }
     const char *const key = reader.has("tcp") ? "tcp" : "serial";
     const toml::node *const text = reader.node(key);
-    if (!text || !text->is_string()) {
+    if (!text || !text->is_string())
         return; // complained about already
-    }
     if (link.tcp.empty() && link.serial.empty()) {
         reader.complain(key, fmt::format("'{}' must not be empty", key));
         return;
@@ -102,9 +98,8 @@ void readDriver(const toml::table &table, DriverConfig &driver, Problems &proble
     reader.read("cache_only_writes", driver.cacheOnlyWrites);
     reader.read("retry_limit", driver.retryLimit, 1, HIGHEST_RETRY_LIMIT);
     reader.read("merge_gap", driver.mergeGap, 0, HIGHEST_MERGE_GAP);
-    if (driver.mergeGap == 1) {
+    if (driver.mergeGap == 1)
         reader.complain("merge_gap", "1 would cut the writing of a 32-bit value in two; give 0, or 2 and more");
-    }
     reader.finish();
 }
 
@@ -112,24 +107,20 @@ void readType(TableReader &reader, std::optional<ValueType> &type)
 {
     std::string name;
     reader.read("type", name);
-    if (name.empty()) {
+    if (name.empty())
         return;
-    }
     type = valueTypeFromName(name);
-    if (!type) {
+    if (!type)
         reader.complain("type", fmt::format("unknown type '{}'; there are {}", name, allValueTypeNames()));
-    }
 }
 
 void readScale(TableReader &reader, NamedAddress &address)
 {
     reader.read("scale", address.scale);
-    if (address.scale == 0) {
+    if (address.scale == 0)
         reader.complain("scale", "'scale' must not be 0");
-    }
-    if (address.scale != 1 && (address.type == ValueType::Bit || address.type == ValueType::Hex)) {
+    if (address.scale != 1 && (address.type == ValueType::Bit || address.type == ValueType::Hex))
         reader.complain("scale", fmt::format("a value of type {} takes no scale", nameOf(*address.type)));
-    }
 }
 
 /// A plain number may stand without quotes; one with a point would lose its last zeros.
@@ -137,9 +128,8 @@ void readAddressText(TableReader &reader, NamedAddress &address)
 {
     const toml::node *const node = reader.node("address");
     reader.require("address");
-    if (!node) {
+    if (!node)
         return;
-    }
     address.position = reader.positionOf(*node);
     if (!node->is_string() && !node->is_integer()) {
         reader.complain("address", "'address' must be a text in quotes, such as \"100\" or \"100.5\"");
@@ -151,9 +141,8 @@ void readAddressText(TableReader &reader, NamedAddress &address)
 /// Names stand left of '=' in the lines that write values, and in CSV columns that people edit.
 void checkName(TableReader &reader, const std::string &name)
 {
-    if (reader.has("name") && (name.empty() || name.find_first_of("=\r\n") != std::string::npos)) {
+    if (reader.has("name") && (name.empty() || name.find_first_of("=\r\n") != std::string::npos))
         reader.complain("name", "a name must not be empty and has no '=' and no line break");
-    }
 }
 
 void readNamedAddress(TableReader &reader, const char *noun, NamedAddress &address)
@@ -174,19 +163,15 @@ void readNamedAddress(TableReader &reader, const char *noun, NamedAddress &addre
 void readItemValues(TableReader &reader, RecipeItemConfig &item)
 {
     const toml::node *const node = reader.node("value");
-    if (!node) {
+    if (!node)
         return;
-    }
-    if (const toml::array *const list = node->as_array()) {
-        for (const toml::node &element : *list) {
+    if (const toml::array *const list = node->as_array())
+        for (const toml::node &element : *list)
             item.values.push_back(scalarText(element));
-        }
-    } else {
+    else
         item.values.push_back(scalarText(*node));
-    }
-    if (item.values.size() != 1 && item.values.size() != static_cast<std::size_t>(item.count)) {
+    if (item.values.size() != 1 && item.values.size() != static_cast<std::size_t>(item.count))
         reader.complain("value", fmt::format("{} values for {} addresses", item.values.size(), item.count));
-    }
 }
 
 RecipeItemConfig readItem(const toml::table &table, const std::string &recipe, Problems &problems)
@@ -221,9 +206,8 @@ RecipeConfig readRecipe(const toml::table &table, Problems &problems)
     forTables(reader, "item", [&](const toml::table &item) {
         recipe.items.push_back(readItem(item, recipe.name, problems));
         const std::string &name = recipe.items.back().address.name;
-        if (!names.insert(name).second) {
+        if (!names.insert(name).second)
             problems.add(item.source(), fmt::format("recipe '{}' has two items '{}'", recipe.name, name));
-        }
     });
     reader.finish();
     return recipe;
@@ -233,9 +217,8 @@ RecipeConfig readRecipe(const toml::table &table, Problems &problems)
 void claimName(std::set<std::string> &names, const char *noun, const std::string &name, const toml::table &table,
                Problems &problems)
 {
-    if (!name.empty() && !names.insert(name).second) {
+    if (!name.empty() && !names.insert(name).second)
         problems.add(table.source(), fmt::format("there are two {}s '{}'", noun, name));
-    }
 }
 
 Config readConfig(const toml::table &root, Problems &problems)
@@ -243,7 +226,8 @@ Config readConfig(const toml::table &root, Problems &problems)
     Config config;
     TableReader reader(root, "configuration", problems);
     reader.require("link");
-    forTable(reader, "link", [&](const toml::table &table) { readLink(table, config.link, problems); });
+    forTable(
+        reader, "link", [&](const toml::table &table) { readLink(table, config.link, problems); });
     forTable(reader, "driver", [&](const toml::table &table) { readDriver(table, config.driver, problems); });
     std::set<std::string> valueNames;
     forTables(reader, "value", [&](const toml::table &table) {
@@ -278,9 +262,8 @@ Config loadConfig(const std::string &fileName)
 {
     std::ifstream file(fileName);
     file.peek(); // a folder can be opened, but not read
-    if (!file.is_open() || file.bad()) {
+    if (!file.is_open() || file.bad())
         throw UsageError(fileName + ": the file cannot be read");
-    }
     return parseConfig(std::string(std::istreambuf_iterator<char>(file), {}), fileName);
 }
 

@@ -13,9 +13,8 @@ public:
 
     std::vector<CsvRow> parse()
     {
-        while (m_at < m_text.size()) {
+        while (m_at < m_text.size())
             parseRow();
-        }
         return std::move(m_rows);
     }
 
@@ -33,20 +32,17 @@ private:
             row.fields.push_back(parseField());
         }
         skipLineEnd();
-        if (row.fields.size() > 1 || !row.fields.front().empty()) {
+        if (row.fields.size() > 1 || !row.fields.front().empty())
             m_rows.push_back(std::move(row));
-        }
     }
 
     std::string parseField()
     {
-        if (!atEnd() && m_text[m_at] == '"') {
+        if (!atEnd() && m_text[m_at] == '"')
             return parseQuoted();
-        }
         std::string field;
-        while (!atLineEnd() && m_text[m_at] != ',') {
+        while (!atLineEnd() && m_text[m_at] != ',')
             field += m_text[m_at++];
-        }
         return field;
     }
 
@@ -71,19 +67,16 @@ private:
 
     void checkEndOfField() const
     {
-        if (!atLineEnd() && m_text[m_at] != ',') {
+        if (!atLineEnd() && m_text[m_at] != ',')
             throw UsageError("line " + std::to_string(m_line) + ": text behind a closing quote");
-        }
     }
 
     void skipLineEnd()
     {
-        if (!atEnd() && m_text[m_at] == '\r') {
+        if (!atEnd() && m_text[m_at] == '\r')
             ++m_at;
-        }
-        if (!atEnd() && m_text[m_at] == '\n') {
+        if (!atEnd() && m_text[m_at] == '\n')
             ++m_at;
-        }
         ++m_line;
     }
 
@@ -96,9 +89,8 @@ private:
 std::string quoted(const std::string &field)
 {
     std::string text = "\"";
-    for (const char character : field) {
+    for (const char character : field)
         text.append(character == '"' ? 2 : 1, character);
-    }
     return text + '"';
 }
 

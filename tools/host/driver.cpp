@@ -1,5 +1,8 @@
 #include "driver.h"
 
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
 #include <fmt/format.h>
 
 #include <stdexcept>
@@ -23,9 +26,8 @@ Driver::ChangeHandler changeHandler;
 
 int reportChange(int, int station, QString &regName, int address)
 {
-    if (station != NO_STATION && changeHandler) {
+    if (station != NO_STATION && changeHandler)
         changeHandler(station, regName, address);
-    }
     return 0;
 }
 
@@ -48,9 +50,8 @@ Driver::Driver(const std::string &path, const DriverConfig &config)
 {
     int type = -1;
     calls().getProtocolType(&type);
-    if (type != POLLED_BY_HOST) {
+    if (type != POLLED_BY_HOST)
         throw std::runtime_error(m_library.path() + " is not a driver that the host polls");
-    }
     configure();
     calls().setAddrValueChangeCallBack(&reportChange);
 }

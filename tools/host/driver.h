@@ -5,6 +5,10 @@
 #include "config.h"
 #include "driverLibrary.h"
 
+#include <QtCore/QMutex>
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
 #include <functional>
 #include <vector>
 

@@ -29,9 +29,8 @@ std::string usualPath()
     const fs::path program = fs::read_symlink("/proc/self/exe", failed);
     for (const char *place : PLACES) {
         const fs::path candidate = program.parent_path() / place / LIBRARY_NAME;
-        if (!failed && fs::exists(candidate)) {
+        if (!failed && fs::exists(candidate))
             return fs::weakly_canonical(candidate).string();
-        }
     }
     return LIBRARY_NAME;
 }
@@ -57,17 +56,15 @@ void DriverLibrary::open(const std::string &path)
     const bool isFile = path != LIBRARY_NAME || fs::exists(path);
     m_path = isFile ? fs::absolute(path).string() : path;
     m_handle = dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!m_handle) {
+    if (!m_handle)
         throw std::runtime_error("the driver cannot be loaded: " + systemError() + " (name it with --driver)");
-    }
 }
 
 template <typename Call> void DriverLibrary::lookUp(Call &call, const char *name)
 {
     call = reinterpret_cast<Call>(dlsym(m_handle, name));
-    if (!call) {
+    if (!call)
         throw std::runtime_error(m_path + " is not a driver: it has no " + name);
-    }
 }
 
 void DriverLibrary::lookUpCalls()

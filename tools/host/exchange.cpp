@@ -22,9 +22,8 @@ Reply Exchange::run(Link &link, const Request &request)
     discardWaiting(link);
     const Clock::time_point sent = Clock::now();
     send(link, request);
-    if (!request.expectsReply) {
+    if (!request.expectsReply)
         return Reply();
-    }
     Reply reply = collect(link, request);
     reply.roundTrip = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - sent);
     return reply;
@@ -32,13 +31,11 @@ Reply Exchange::run(Link &link, const Request &request)
 
 void Exchange::send(Link &link, const Request &request)
 {
-    if (m_trace) {
+    if (m_trace)
         m_trace(true, request.bytes);
-    }
     link.send(request.bytes.data(), request.bytes.size());
-    if (request.expectsReply) {
+    if (request.expectsReply)
         noteRequest(request);
-    }
 }
 
 void Exchange::noteRequest(const Request &request)
@@ -76,14 +73,12 @@ Reply Exchange::collect(Link &link, const Request &request)
     const Clock::time_point deadline = Clock::now() + m_timeout;
     m_collector.reset();
     while (Clock::now() < deadline) {
-        if (m_stop.requested()) {
+        if (m_stop.requested())
             return {ReplyEnd::Interrupted, {}, {}};
-        }
         Bytes bytes = receive(link, deadline);
         while (const std::size_t taken = takeReply(bytes, request.station)) {
-            if (isAnswer(request.station)) {
+            if (isAnswer(request.station))
                 return {ReplyEnd::Complete, m_collector.bytes(), {}};
-            }
             m_collector.reset();
             bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(taken));
         }
@@ -98,12 +93,10 @@ std::size_t Exchange::takeReply(const Bytes &bytes, std::uint8_t station)
     std::size_t taken = 0;
     while (taken < bytes.size()) {
         taken += m_collector.take(bytes.data() + taken, bytes.size() - taken);
-        if (m_collector.complete() && m_collector.isFrom(station)) {
+        if (m_collector.complete() && m_collector.isFrom(station))
             return taken;
-        }
-        if (m_collector.complete()) {
+        if (m_collector.complete())
             m_collector.reset();
-        }
     }
     return 0;
 }
@@ -111,9 +104,8 @@ std::size_t Exchange::takeReply(const Bytes &bytes, std::uint8_t station)
 void Exchange::awaitOwedReplies(Link &link, const Request &request)
 {
     const auto found = m_owed.find(request.station);
-    if (found == m_owed.end() || found->second.request == request.bytes || !found->second.hasAnswered) {
+    if (found == m_owed.end() || found->second.request == request.bytes || !found->second.hasAnswered)
         return;
-    }
     Late &late = found->second.late;
     m_collector.reset();
     while (late.mayCome() && !m_stop.requested()) {
@@ -135,9 +127,8 @@ void Exchange::discardWaiting(Link &link)
 Bytes Exchange::receive(Link &link, Clock::time_point deadline)
 {
     Bytes bytes = link.receive(std::min(timeUntil(deadline), STOP_CHECK));
-    if (m_trace && !bytes.empty()) {
+    if (m_trace && !bytes.empty())
         m_trace(false, bytes);
-    }
     return bytes;
 }
 

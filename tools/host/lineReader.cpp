@@ -27,9 +27,8 @@ void LineReader::run()
     char buffer[4096];
     while (waitForInput()) {
         const ssize_t size = read(STDIN_FILENO, buffer, sizeof buffer);
-        if (size <= 0) {
+        if (size <= 0)
             break;
-        }
         m_text.append(buffer, static_cast<std::size_t>(size));
         handleLines();
     }
@@ -50,9 +49,8 @@ void LineReader::handleLines()
     for (std::size_t end = m_text.find('\n'); end != std::string::npos; end = m_text.find('\n')) {
         const std::string line = m_text.substr(0, end);
         m_text.erase(0, end + 1);
-        if (line.find_first_not_of(BLANKS) != std::string::npos) {
+        if (line.find_first_not_of(BLANKS) != std::string::npos)
             m_handler(line);
-        }
     }
 }
 

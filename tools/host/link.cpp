@@ -46,12 +46,11 @@ public:
     void send(const std::uint8_t *bytes, std::size_t size) override
     {
         std::optional<asio::error_code> result;
-        asio::async_write(m_stream, asio::buffer(bytes, size),
+        asio::async_write(mStream, asio::buffer(bytes, size),
                           [&result](const asio::error_code &error, std::size_t) { result = error; });
         run(SEND_TIMEOUT, result);
-        if (*result) {
+        if (*result)
             fail(*result == asio::error::operation_aborted ? asio::error::timed_out : *result);
-        }
     }
 
     Bytes receive(Milliseconds timeout) override
@@ -59,15 +58,14 @@ public:
         std::array<std::uint8_t, RECEIVE_SIZE> buffer;
         std::size_t received = 0;
         std::optional<asio::error_code> result;
-        m_stream.async_read_some(asio::buffer(buffer),
-                                 [&result, &received](const asio::error_code &error, std::size_t size) {
-                                     result = error;
-                                     received = size;
-                                 });
+        mStream.async_read_some(asio::buffer(buffer),
+                                [&result, &received](const asio::error_code &error, std::size_t size) {
+                                    result = error;
+                                    received = size;
+                                });
         run(timeout, result);
-        if (*result && *result != asio::error::operation_aborted) {
+        if (*result && *result != asio::error::operation_aborted)
             fail(*result);
-        }
         return Bytes(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(received));
     }
 
@@ -79,11 +77,12 @@ protected:
 
     void run(Milliseconds timeout, const std::optional<asio::error_code> &result)
     {
-        runFor(m_context, timeout, result, [this] { m_stream.cancel(); });
+        runFor(
+            mContext, timeout, result, [this] { mStream.cancel(); });
     }
 
-    asio::io_context m_context;
-    Stream m_stream{m_context};
+    asio::io_context mContext;
+    Stream mStream{mContext};
 };
 
 class TcpLink : public StreamLink<Tcp::socket> {
@@ -91,25 +90,23 @@ public:
     explicit TcpLink(const tools::TcpAddress &address)
     {
         asio::error_code error;
-        const auto endpoints = Tcp::resolver(m_context).resolve(address.host, std::to_string(address.port), error);
-        if (error) {
+        const auto endpoints = Tcp::resolver(mContext).resolve(address.host, std::to_string(address.port), error);
+        if (error)
             fail(error);
-        }
         connect(endpoints);
         // A request is small and the next one waits for its answer: nothing is won by waiting for more to send.
-        m_stream.set_option(Tcp::no_delay(true), error);
+        mStream.set_option(Tcp::no_delay(true), error);
     }
 
 private:
     void connect(const Tcp::resolver::results_type &endpoints)
     {
         std::optional<asio::error_code> result;
-        asio::async_connect(m_stream, endpoints,
-                            [&result](const asio::error_code &failed, const Tcp::endpoint &) { result = failed; });
-        runFor(m_context, CONNECT_TIMEOUT, result, [this] { m_stream.close(); });
-        if (*result) {
+        asio::async_connect(
+            mStream, endpoints, [&result](const asio::error_code &failed, const Tcp::endpoint &) { result = failed; });
+        runFor(mContext, CONNECT_TIMEOUT, result, [this] { mStream.close(); });
+        if (*result)
             fail(*result == asio::error::operation_aborted ? asio::error::timed_out : *result);
-        }
     }
 };
 
@@ -118,7 +115,7 @@ public:
     explicit SerialLink(const tools::SerialSettings &settings)
     {
         try {
-            tools::openSerial(m_stream, settings);
+            tools::openSerial(mStream, settings);
         } catch (const std::system_error &error) {
             fail(error.code());
         }
@@ -130,9 +127,8 @@ public:
 LinkAddress parseLinkAddress(const std::string &tcp, const std::string &serial)
 {
     try {
-        if (serial.empty()) {
+        if (serial.empty())
             return tools::parseTcp(tcp, DEFAULT_ADDRESS);
-        }
         return tools::parseSerial(serial);
     } catch (const std::invalid_argument &error) {
         throw UsageError(error.what());
@@ -141,18 +137,16 @@ LinkAddress parseLinkAddress(const std::string &tcp, const std::string &serial)
 
 std::string textOf(const LinkAddress &address)
 {
-    if (const tools::TcpAddress *tcp = std::get_if<tools::TcpAddress>(&address)) {
+    if (const tools::TcpAddress *tcp = std::get_if<tools::TcpAddress>(&address))
         return tools::tcpText(*tcp);
-    }
     return std::get<tools::SerialSettings>(address).device;
 }
 
 std::unique_ptr<Link> openLink(const LinkAddress &address)
 {
     try {
-        if (const tools::TcpAddress *tcp = std::get_if<tools::TcpAddress>(&address)) {
+        if (const tools::TcpAddress *tcp = std::get_if<tools::TcpAddress>(&address))
             return std::make_unique<TcpLink>(*tcp);
-        }
         return std::make_unique<SerialLink>(std::get<tools::SerialSettings>(address));
     } catch (const LinkError &error) {
         throw LinkError("cannot open " + textOf(address) + ": " + error.what());

@@ -22,9 +22,8 @@ Link *LinkKeeper::get()
 {
     if (!m_link) {
         m_stop.wait(m_wait);
-        if (!m_stop.requested()) {
+        if (!m_stop.requested())
             tryToOpen();
-        }
     }
     return m_link.get();
 }
@@ -32,9 +31,8 @@ Link *LinkKeeper::get()
 void LinkKeeper::lost(const std::string &reason)
 {
     m_link.reset();
-    if (!m_notice) {
+    if (!m_notice)
         throw LinkError("link to " + textOf(m_address) + " lost: " + reason);
-    }
     m_wait = FIRST_WAIT;
     m_lastComplaint.clear();
     m_notice("link to " + textOf(m_address) + " lost: " + reason + "; connecting again");
@@ -45,9 +43,8 @@ void LinkKeeper::tryToOpen()
     try {
         m_link = openLink(m_address);
     } catch (const LinkError &error) {
-        if (!m_notice) {
+        if (!m_notice)
             throw;
-        }
         m_wait = std::clamp(m_wait * 2, FIRST_WAIT, LONGEST_WAIT);
         // The same reason again and again says nothing new.
         if (m_lastComplaint != error.what()) {
@@ -56,9 +53,8 @@ void LinkKeeper::tryToOpen()
         }
         return;
     }
-    if (m_notice) {
+    if (m_notice)
         m_notice((m_everOpen ? "connected again to " : "connected to ") + textOf(m_address));
-    }
     m_everOpen = true;
     m_wait = Milliseconds(0);
     m_lastComplaint.clear();

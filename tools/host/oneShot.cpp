@@ -19,9 +19,8 @@ NamedAddress parseLabel(const RegisterKinds &kinds, const std::string &label, co
     address.station = station;
     kinds.splitLabel(label, address);
     address.type = valueTypeFromName(type);
-    if (!type.empty() && !address.type) {
+    if (!type.empty() && !address.type)
         throw UsageError(fmt::format("unknown type '{}'; there are {}", type, allValueTypeNames()));
-    }
     return address;
 }
 
@@ -52,9 +51,8 @@ void runUntil(Host &host, const LinkConfig &link, bool trace, TransactionListene
 {
     LinkKeeper keeper(parseLinkAddress(link.tcp, link.serial), host.stop, nullptr);
     Communication communication(host.driver.calls(), keeper, host.stop, settingsOf(link, trace), listener);
-    while (!done() && !host.stop.requested()) {
+    while (!done() && !host.stop.requested())
         communication.step();
-    }
     if (!done()) {
         Printer::notice("interrupted");
         verdict.failed(EXIT_OTHER);

@@ -60,9 +60,8 @@ void putValue(Json &object, const Value &value, const ValueBytes &bytes)
 {
     putAddress(object, value);
     object["value"] = jsonOf(numberOf(value.format, bytes));
-    if (!value.unit.empty()) {
+    if (!value.unit.empty())
         object["unit"] = value.unit;
-    }
 }
 
 std::string withUnit(const Value &value, const ValueBytes &bytes)
@@ -106,9 +105,8 @@ void Printer::change(const Value &value, const ValueBytes &bytes, bool pending)
     }
     Json object = {{"event", "value"}, {"time", timeStamp()}};
     putValue(object, value, bytes);
-    if (pending) {
+    if (pending)
         object["pending"] = true;
-    }
     data(line(object));
 }
 
@@ -158,9 +156,8 @@ void Printer::kinds(const std::vector<RegisterKind> &kinds)
 void Printer::data(const std::string &text)
 {
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (!written || std::fflush(stdout) != 0) {
+    if (!written || std::fflush(stdout) != 0)
         m_stop.request();
-    }
 }
 
 void Printer::notice(const std::string &text) { std::fputs((text + "\n").c_str(), stderr); }

@@ -3,6 +3,8 @@
 #include "oneShot.h"
 #include "valueBoard.h"
 
+#include <QtCore/QList>
+
 #include <fmt/format.h>
 
 namespace vshost {
@@ -11,9 +13,8 @@ namespace {
 
 std::vector<Value> wantedValues(const RegisterKinds &kinds, const ReadOptions &options)
 {
-    if (options.link.station == BROADCAST_STATION) {
+    if (options.link.station == BROADCAST_STATION)
         throw UsageError("station 255 addresses all stations, which can be written but not read");
-    }
     std::vector<Value> values;
     for (const std::string &label : options.addresses) {
         const NamedAddress address = parseLabel(kinds, label, options.type, options.link.station);
@@ -58,11 +59,9 @@ int readCommand(const GeneralOptions &general, const ReadOptions &options)
     Verdict verdict;
     Reading reading(board, verdict);
     runUntil(host, linkConfigOf(options.link), general.trace, reading, verdict, [&] { return board.settled(); });
-    for (std::size_t i = 0; i < board.values().size(); ++i) {
-        if (board.state(i) == ValueBoard::State::Read) {
+    for (std::size_t i = 0; i < board.values().size(); ++i)
+        if (board.state(i) == ValueBoard::State::Read)
             host.printer.reading(board.values()[i], shownBytes(host.driver.calls(), board.values()[i]));
-        }
-    }
     return verdict.exitCode();
 }
 

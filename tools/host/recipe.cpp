@@ -2,6 +2,8 @@
 
 #include "errors.h"
 
+#include <QtCore/QVector>
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -20,9 +22,8 @@ class RowReader {
 public:
     explicit RowReader(const CsvRow &header)
     {
-        for (std::size_t i = 0; i < header.fields.size(); ++i) {
+        for (std::size_t i = 0; i < header.fields.size(); ++i)
             m_columns[header.fields[i]] = i;
-        }
     }
 
     bool has(const std::string &column) const { return m_columns.count(column) != 0; }
@@ -51,9 +52,8 @@ RecipeItem &itemNamed(std::vector<RecipeItem> &items, const std::string &name)
 {
     const auto found =
         std::find_if(items.begin(), items.end(), [&name](const RecipeItem &item) { return item.value.name == name; });
-    if (found == items.end()) {
+    if (found == items.end())
         throw UsageError(fmt::format("the recipe has no item '{}'", name));
-    }
     return *found;
 }
 
@@ -85,9 +85,8 @@ Recipe::Recipe(const RecipeConfig &config, const RegisterKinds &kinds)
                                            item.address.name, error.what()));
         }
     }
-    if (!problems.empty()) {
+    if (!problems.empty())
         throw UsageError(fmt::format("{}", fmt::join(problems, "\n")));
-    }
     sortAndPlace(kinds);
     refuseOverlaps();
 }
@@ -95,9 +94,8 @@ Recipe::Recipe(const RecipeConfig &config, const RegisterKinds &kinds)
 void Recipe::addItems(const RecipeItemConfig &config, const RegisterKinds &kinds)
 {
     const RegisterKind *const kind = kinds.find(config.address.regName);
-    if (kind && kind->size == KindSize::Bit) {
+    if (kind && kind->size == KindSize::Bit)
         throw UsageError(fmt::format("{} holds bits, and bits cannot be in a recipe", kind->name));
-    }
     const Value first = kinds.resolve(config.address, Access::Write);
     for (int i = 0; i < config.count; ++i) {
         RecipeItem item;
@@ -174,13 +172,11 @@ void Recipe::takeValues(const std::vector<CsvRow> &rows, const std::string &file
 void Recipe::store(std::vector<quint16> &buffer) const
 {
     for (const RecipeItem &item : m_items) {
-        if (item.text.empty()) {
+        if (item.text.empty())
             throw UsageError(fmt::format("{}: item '{}' has no value to download", item.position, item.value.name));
-        }
         const ValueBytes bytes = bytesOf(item.value.format, item.text);
-        for (std::size_t word = 0; word < static_cast<std::size_t>(item.value.place.count); ++word) {
+        for (std::size_t word = 0; word < static_cast<std::size_t>(item.value.place.count); ++word)
             buffer[item.offset + word] = static_cast<quint16>(bytes[2 * word] | bytes[2 * word + 1] << 8);
-        }
     }
 }
 

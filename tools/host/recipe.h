@@ -8,6 +8,8 @@
 #include "csv.h"
 #include "registerKinds.h"
 
+#include <QtCore/QVector>
+
 namespace vshost {
 
 struct RecipeItem {

@@ -41,13 +41,11 @@ const RecipeConfig &recipeNamed(const Config &config, const RecipeOptions &optio
 {
     const auto found = std::find_if(config.recipes.begin(), config.recipes.end(),
                                     [&options](const RecipeConfig &recipe) { return recipe.name == options.name; });
-    if (found != config.recipes.end()) {
+    if (found != config.recipes.end())
         return *found;
-    }
     std::string known;
-    for (const RecipeConfig &recipe : config.recipes) {
+    for (const RecipeConfig &recipe : config.recipes)
         known += (known.empty() ? "" : ", ") + recipe.name;
-    }
     throw UsageError(fmt::format("{}: there is no recipe '{}'; there {}", options.file, options.name,
                                  known.empty() ? "are none" : "are: " + known));
 }
@@ -56,9 +54,8 @@ std::vector<CsvRow> readTable(const std::string &fileName)
 {
     std::ifstream file(fileName);
     std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) {
+    if (!file || !(text << file.rdbuf()))
         throw UsageError(fileName + ": the file cannot be read, or is empty");
-    }
     try {
         return parseCsv(text.str());
     } catch (const UsageError &error) {
@@ -73,9 +70,8 @@ void writeTable(Host &host, const std::string &fileName, const std::string &text
         return;
     }
     std::ofstream file(fileName);
-    if (!(file << text << std::flush)) {
+    if (!(file << text << std::flush))
         throw std::runtime_error(fileName + ": the file cannot be written");
-    }
 }
 
 /// A session with one recipe, from the file to the plan.
@@ -118,9 +114,8 @@ private:
 int recipeDownloadCommand(const GeneralOptions &general, const RecipeOptions &options)
 {
     RecipeSession session(general, options);
-    if (!options.csv.empty()) {
+    if (!options.csv.empty())
         session.recipe().takeValues(readTable(options.csv), options.csv);
-    }
     session.recipe().store(session.buffer());
     const ExitCode code = session.transfer(RecipeDirection::Download);
     if (code == EXIT_OK) {

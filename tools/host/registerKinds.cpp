@@ -2,6 +2,9 @@
 
 #include "errors.h"
 
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -46,9 +49,8 @@ enum { MODE_READ = 0, MODE_READ_WRITE = 1 };
 
 KindSize sizeOf(const QString &code)
 {
-    if (code == QString::fromLatin1("0")) {
+    if (code == QString::fromLatin1("0"))
         return KindSize::Bit;
-    }
     return code == QString::fromLatin1("2") ? KindSize::DoubleWord : KindSize::Word;
 }
 
@@ -67,26 +69,23 @@ ValueType naturalType(const RegisterKind &kind)
 
 const char *addressForm(const RegisterKind &kind)
 {
-    if (kind.addressFormat.find('.') != std::string::npos) {
+    if (kind.addressFormat.find('.') != std::string::npos)
         return "a word, a point and a bit such as 100.5";
-    }
     return kind.addressFormat.front() == 'O' ? "an octal number" : "a decimal number";
 }
 
 std::string wrongAccess(const RegisterKind &kind, ValueType type)
 {
-    if (kind.size == KindSize::Bit) {
+    if (kind.size == KindSize::Bit)
         return fmt::format("{} holds bits, so that its values are of type bit, not {}", kind.name, nameOf(type));
-    }
     return fmt::format("{} holds words, so that its values cannot be of type bit", kind.name);
 }
 
 /// Address texts count in their own base; a bit text counts on from the last bit of a word into the next.
 std::string addressTextAt(const RegisterKind &kind, int address)
 {
-    if (kind.addressFormat.find('.') != std::string::npos) {
+    if (kind.addressFormat.find('.') != std::string::npos)
         return fmt::format("{}.{}", address / 16, address % 16);
-    }
     return kind.addressFormat.front() == 'O' ? fmt::format("{:o}", address) : std::to_string(address);
 }
 
@@ -108,9 +107,8 @@ void RegisterKinds::append(int listType)
         const QString &name = names.at(i);
         QStringList texts;
         m_calls.getRegDiscription(name, texts);
-        if (texts.size() < DESCRIPTION_SIZE) {
+        if (texts.size() < DESCRIPTION_SIZE)
             continue;
-        }
         m_kinds.push_back({name.toStdString(), texts[FORMAT].toStdString(), texts[LOWEST].toStdString(),
                            texts[HIGHEST].toStdString(), sizeOf(texts[SIZE]), texts[ACCESS] != QString::fromLatin1("2"),
                            texts[ACCESS] != QString::fromLatin1("0")});
@@ -134,13 +132,11 @@ void RegisterKinds::splitLabel(const std::string &label, NamedAddress &address) 
     const RegisterKind *longest = nullptr;
     for (const RegisterKind &kind : m_kinds) {
         const bool begins = label.compare(0, kind.name.size(), kind.name) == 0;
-        if (begins && (!longest || kind.name.size() > longest->name.size())) {
+        if (begins && (!longest || kind.name.size() > longest->name.size()))
             longest = &kind;
-        }
     }
-    if (!longest) {
+    if (!longest)
         throw UsageError(fmt::format("'{}' begins with no register kind (vshost registers lists them)", label));
-    }
     address.regName = longest->name;
     address.addressText = label.substr(longest->name.size());
 }
@@ -148,22 +144,19 @@ void RegisterKinds::splitLabel(const std::string &label, NamedAddress &address) 
 Value RegisterKinds::resolve(const NamedAddress &address, Access access) const
 {
     const RegisterKind *const kind = find(address.regName);
-    if (!kind) {
+    if (!kind)
         throw UsageError(fmt::format("there is no register kind '{}' (vshost registers lists them)", address.regName));
-    }
     Value value;
     value.name = address.name;
     value.unit = address.unit;
     value.format = {address.type.value_or(naturalType(*kind)), address.scale, kind->size == KindSize::DoubleWord};
-    if (value.format.scale != 1 && value.format.type == ValueType::Bit) {
+    if (value.format.scale != 1 && value.format.type == ValueType::Bit)
         throw UsageError("a bit takes no scale");
-    }
     value.place = {address.station, QString::fromStdString(address.regName), address.addressText, 0,
                    hostCount(value.format)};
     const int code = check(value, &value.place.address, value.place.count, access);
-    if (code != VALID) {
+    if (code != VALID)
         refuse(code, *kind, value);
-    }
     return value;
 }
 
@@ -174,9 +167,8 @@ Value RegisterKinds::following(const Value &first, int index, Access access) con
     Value value = first;
     value.place.addressText = addressTextAt(kind, first.place.address + index * unitsPerValue);
     const int code = check(value, &value.place.address, value.place.count, access);
-    if (code != VALID) {
+    if (code != VALID)
         refuse(code, kind, value);
-    }
     return value;
 }
 

@@ -5,6 +5,8 @@
 #include "config.h"
 #include "driverLibrary.h"
 
+#include <QtCore/QString>
+
 #include <string>
 #include <vector>
 

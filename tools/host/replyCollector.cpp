@@ -16,9 +16,8 @@ constexpr std::size_t STATION_OFFSET = 2;
 std::size_t ReplyCollector::take(const std::uint8_t *bytes, std::size_t size)
 {
     std::size_t taken = 0;
-    while (taken < size && !complete()) {
+    while (taken < size && !complete())
         takeByte(bytes[taken++]);
-    }
     return taken;
 }
 
@@ -42,9 +41,8 @@ void ReplyCollector::takeByte(std::uint8_t byte)
     }
     const bool outside = m_state == State::Outside || m_state == State::OutsideAfterDle;
     m_state = nextState(byte);
-    if (!outside) {
+    if (!outside)
         m_bytes.push_back(byte);
-    }
 }
 
 void ReplyCollector::begin()

@@ -5,6 +5,9 @@
 #include "recipe.h"
 #include "valueBoard.h"
 
+#include <QtCore/QList>
+#include <QtCore/QString>
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -39,9 +42,8 @@ std::vector<Value> resolveAll(const RegisterKinds &kinds, const Config &config)
             problems.push_back(error.what());
         }
     }
-    if (!problems.empty()) {
+    if (!problems.empty())
         throw UsageError(fmt::format("{}", fmt::join(problems, "\n")));
-    }
     return values;
 }
 
@@ -50,18 +52,16 @@ class StationWatch {
 public:
     void answered(int station)
     {
-        if (m_silent.erase(station) != 0) {
+        if (m_silent.erase(station) != 0)
             Printer::notice(fmt::format("station {} answers again", station));
-        }
     }
 
     void failed(int station, const Failure &failure)
     {
         const bool known = failure.kind == Failure::Refused ? !m_refusals.insert(failure.transaction).second
                                                             : !m_silent.insert(station).second;
-        if (!known) {
+        if (!known)
             Printer::notice(describe(station, failure));
-        }
     }
 
 private:
@@ -99,9 +99,8 @@ public:
     {
         m_tracker.accepted(frame);
         m_watch.answered(frame.variable.station);
-        if (!isWrite(frame)) {
+        if (!isWrite(frame))
             m_board.blockRead(frame.variable);
-        }
     }
     void givenUp(const FRAME_PRO &frame, const Failure &failure) override
     {
@@ -125,9 +124,8 @@ private:
 void RunSession::takeLine(const std::string &line)
 {
     const std::string text = trimmed(line);
-    if (text.front() == '#') {
+    if (text.front() == '#')
         return;
-    }
     try {
         write(text);
     } catch (const UsageError &error) {
@@ -138,9 +136,8 @@ void RunSession::takeLine(const std::string &line)
 void RunSession::write(const std::string &line)
 {
     const std::size_t equals = line.find('=');
-    if (equals == std::string::npos) {
+    if (equals == std::string::npos)
         throw UsageError("a line is of the form NAME = VALUE");
-    }
     const std::string text = trimmed(line.substr(equals + 1));
     // Checked once more, since what may be read need not be writable.
     const Value value = m_host.kinds.following(valueNamed(trimmed(line.substr(0, equals))), 0, Access::Write);
@@ -159,9 +156,8 @@ const Value &RunSession::valueNamed(const std::string &name) const
     const std::vector<Value> &values = m_board.values();
     const auto found =
         std::find_if(values.begin(), values.end(), [&name](const Value &value) { return value.name == name; });
-    if (found == values.end()) {
+    if (found == values.end())
         throw UsageError(fmt::format("there is no value named '{}'", name));
-    }
     return *found;
 }
 
@@ -175,9 +171,8 @@ void RunSession::printChanges()
 
 ExitCode verdictOf(const LinkKeeper &keeper, const Statistics &statistics)
 {
-    if (!keeper.everOpen()) {
+    if (!keeper.everOpen())
         return EXIT_LINK;
-    }
     return statistics.empty() || statistics.anyAccepted() ? EXIT_OK : EXIT_SILENT;
 }
 
@@ -190,17 +185,15 @@ int runCommand(const GeneralOptions &general, const RunOptions &options)
     Host host(general, config.driver);
     RunSession session(host, config);
     Printer::notice(host.driver.describe());
-    if (options.time) {
+    if (options.time)
         host.stop.endAfter(*options.time);
-    }
     LinkKeeper keeper(address, host.stop, &Printer::notice);
     Communication communication(host.driver.calls(), keeper, host.stop, settingsOf(config.link, general.trace),
                                 session);
     {
         LineReader lines(host.stop, [&session](const std::string &line) { session.takeLine(line); });
-        while (!host.stop.requested()) {
+        while (!host.stop.requested())
             communication.step();
-        }
     }
     session.finish();
     Printer::notice(communication.statistics().table());

@@ -12,9 +12,8 @@ double milliseconds(std::chrono::microseconds time) { return static_cast<double>
 
 std::string roundTripText(const StationCounts &counts)
 {
-    if (counts.accepted == 0) {
+    if (counts.accepted == 0)
         return "-";
-    }
     return fmt::format("{:.2f} / {:.2f} / {:.2f} ms", milliseconds(counts.shortest),
                        milliseconds(counts.total) / counts.accepted, milliseconds(counts.longest));
 }
@@ -35,9 +34,8 @@ void Statistics::countReply(int station, const Reply &reply)
 
 void Statistics::countAccepted(int station, const Reply &reply)
 {
-    if (reply.bytes.empty()) {
+    if (reply.bytes.empty())
         return;
-    }
     StationCounts &counts = m_stations[station];
     ++counts.accepted;
     counts.shortest = std::min(counts.shortest, reply.roundTrip);
@@ -49,15 +47,14 @@ void Statistics::countGivenUp(int station) { ++m_stations[station].giveUps; }
 
 bool Statistics::anyAccepted() const
 {
-    return std::any_of(m_stations.begin(), m_stations.end(),
-                       [](const auto &station) { return station.second.accepted > 0; });
+    return std::any_of(
+        m_stations.begin(), m_stations.end(), [](const auto &station) { return station.second.accepted > 0; });
 }
 
 std::string Statistics::table() const
 {
-    if (empty()) {
+    if (empty())
         return "no station was asked";
-    }
     std::string text = fmt::format("{:>7} {:>12} {:>8} {:>9} {:>11} {:>11}  {}", "station", "transactions", "retries",
                                    "given up", "bytes out", "bytes in", "round trip min / avg / max");
     for (const auto &[station, counts] : m_stations) {

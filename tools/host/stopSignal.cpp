@@ -20,9 +20,8 @@ void requestStop()
     stopRequested = true;
     const char wake = 0;
     // The pipe keeps what it holds, so that a full one needs no further byte.
-    if (write(wakeDescriptor, &wake, 1) < 0) {
+    if (write(wakeDescriptor, &wake, 1) < 0)
         return;
-    }
 }
 
 extern "C" void onStopSignal(int) { requestStop(); }
@@ -40,9 +39,8 @@ void installHandler(void (*handler)(int))
 StopSignal::StopSignal()
 {
     int ends[2];
-    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) {
+    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
         throw std::runtime_error("no pipe can be made");
-    }
     m_readEnd = ends[0];
     m_writeEnd = ends[1];
     wakeDescriptor = m_writeEnd;
@@ -66,9 +64,8 @@ bool StopSignal::requested() const { return stopRequested || (m_deadline && Cloc
 
 void StopSignal::wait(Milliseconds time) const
 {
-    if (m_deadline) {
+    if (m_deadline)
         time = std::min(time, timeUntil(*m_deadline));
-    }
     pollfd wake = {m_readEnd, POLLIN, 0};
     poll(&wake, 1, static_cast<int>(std::max(time, Milliseconds(0)).count()));
 }

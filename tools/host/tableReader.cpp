@@ -18,9 +18,8 @@ void Problems::add(const toml::source_region &region, const std::string &text)
 
 void Problems::throwIfAny() const
 {
-    if (any()) {
+    if (any())
         throw UsageError(fmt::format("{}", fmt::join(m_lines, "\n")));
-    }
 }
 
 const toml::node *TableReader::node(const char *key)
@@ -38,9 +37,8 @@ void TableReader::complain(const char *key, const std::string &text)
 void TableReader::read(const char *key, std::string &text)
 {
     const toml::node *const found = node(key);
-    if (!found) {
+    if (!found)
         return;
-    }
     if (!found->is_string()) {
         complain(key, fmt::format("'{}' must be a text in quotes", key));
         return;
@@ -51,9 +49,8 @@ void TableReader::read(const char *key, std::string &text)
 void TableReader::read(const char *key, bool &flag)
 {
     const toml::node *const found = node(key);
-    if (!found) {
+    if (!found)
         return;
-    }
     if (!found->is_boolean()) {
         complain(key, fmt::format("'{}' must be true or false", key));
         return;
@@ -64,9 +61,8 @@ void TableReader::read(const char *key, bool &flag)
 void TableReader::read(const char *key, double &number)
 {
     const toml::node *const found = node(key);
-    if (!found) {
+    if (!found)
         return;
-    }
     if (!found->is_number()) {
         complain(key, fmt::format("'{}' must be a number", key));
         return;
@@ -77,9 +73,8 @@ void TableReader::read(const char *key, double &number)
 void TableReader::read(const char *key, int &number, int lowest, int highest)
 {
     const toml::node *const found = node(key);
-    if (!found) {
+    if (!found)
         return;
-    }
     const toml::value<std::int64_t> *const integer = found->as_integer();
     if (!integer || **integer < lowest || **integer > highest) {
         complain(key, fmt::format("'{}' must be a whole number from {} to {}", key, lowest, highest));
@@ -90,34 +85,27 @@ void TableReader::read(const char *key, int &number, int lowest, int highest)
 
 void TableReader::require(const char *key)
 {
-    if (!has(key)) {
+    if (!has(key))
         complain(key, fmt::format("'{}' is missing", key));
-    }
 }
 
 void TableReader::finish()
 {
-    for (const auto &entry : m_table) {
-        if (m_read.count(entry.first.str()) == 0) {
+    for (const auto &entry : m_table)
+        if (m_read.count(entry.first.str()) == 0)
             m_problems.add(entry.first.source(), fmt::format("{}: unknown key '{}'", m_subject, entry.first.str()));
-        }
-    }
 }
 
 std::string scalarText(const toml::node &node)
 {
-    if (const auto *text = node.as_string()) {
+    if (const auto *text = node.as_string())
         return **text;
-    }
-    if (const auto *flag = node.as_boolean()) {
+    if (const auto *flag = node.as_boolean())
         return **flag ? "1" : "0";
-    }
-    if (const auto *integer = node.as_integer()) {
+    if (const auto *integer = node.as_integer())
         return std::to_string(**integer);
-    }
-    if (const auto *real = node.as_floating_point()) {
+    if (const auto *real = node.as_floating_point())
         return fmt::format("{}", **real);
-    }
     return std::string();
 }
 

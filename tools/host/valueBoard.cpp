@@ -1,5 +1,8 @@
 #include "valueBoard.h"
 
+#include <QtCore/QList>
+#include <QtCore/QString>
+
 #include <algorithm>
 
 namespace vshost {
@@ -41,9 +44,8 @@ ValueBoard::ValueBoard(const DriverCalls &calls, std::vector<Value> values)
 void ValueBoard::watchReports(std::size_t index)
 {
     const Place &place = m_values[index].place;
-    for (int i = 0; i < addressesOf(m_values[index]); ++i) {
+    for (int i = 0; i < addressesOf(m_values[index]); ++i)
         m_byReport.emplace(Unit(place.station, place.regName.toStdString(), place.address + i), index);
-    }
 }
 
 void ValueBoard::watchUnits(std::size_t index)
@@ -96,21 +98,23 @@ template <typename Handle> void ValueBoard::forUnits(const VARIABLE &block, Hand
 
 void ValueBoard::blockRead(const VARIABLE &block)
 {
-    forUnits(block, [this](std::size_t index, const Unit &unit) {
-        m_entries[index].unread.erase(unit);
-        if (m_entries[index].unread.empty()) {
-            settle(index, State::Read);
-        }
-    });
+    forUnits(
+        block,
+        [this](std::size_t index, const Unit &unit) {
+            m_entries[index].unread.erase(unit);
+            if (m_entries[index].unread.empty())
+                settle(index, State::Read);
+        });
 }
 
 void ValueBoard::blockFailed(const VARIABLE &block)
 {
-    forUnits(block, [this](std::size_t index, const Unit &) {
-        if (m_entries[index].state == State::Unread) {
-            settle(index, State::Failed);
-        }
-    });
+    forUnits(
+        block,
+        [this](std::size_t index, const Unit &) {
+            if (m_entries[index].state == State::Unread)
+                settle(index, State::Failed);
+        });
 }
 
 void ValueBoard::settle(std::size_t index, State state)
@@ -133,9 +137,8 @@ std::vector<ValueBoard::Change> ValueBoard::takeChanges()
     }
     std::vector<Change> changes;
     for (const std::size_t index : changed) {
-        if (m_entries[index].state != State::Read) {
+        if (m_entries[index].state != State::Read)
             continue;
-        }
         const ValueBytes bytes = shownBytes(m_calls, m_values[index]);
         const std::vector<std::uint8_t> relevant(bytes.begin(), bytes.begin() + byteCount(m_values[index].format));
         if (m_entries[index].taken != relevant) {

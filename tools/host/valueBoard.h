@@ -5,6 +5,9 @@
 
 #include "registerKinds.h"
 
+#include <QtCore/QList>
+#include <QtCore/QString>
+
 #include <map>
 #include <mutex>
 #include <set>

@@ -48,9 +48,8 @@ Range rangeOf(const ValueFormat &format)
 std::uint32_t bitsOf(const ValueFormat &format, const ValueBytes &bytes)
 {
     std::uint32_t bits = 0;
-    for (int i = byteCount(format) - 1; i >= 0; --i) {
+    for (int i = byteCount(format) - 1; i >= 0; --i)
         bits = bits << 8 | bytes[static_cast<std::size_t>(i)];
-    }
     return bits;
 }
 
@@ -116,20 +115,17 @@ double readDecimal(const ValueFormat &format, const std::string &text)
     double number = 0;
     const char *const end = text.data() + text.size();
     const std::from_chars_result read = std::from_chars(text.data(), end, number);
-    if (read.ec != std::errc() || read.ptr != end || !std::isfinite(number)) {
+    if (read.ec != std::errc() || read.ptr != end || !std::isfinite(number))
         throw UsageError(fmt::format("'{}' is not a number ({})", text, nameOf(format.type)));
-    }
     return number;
 }
 
 ValueBytes bitFromText(const std::string &text)
 {
-    if (text == "1" || text == "on" || text == "true") {
+    if (text == "1" || text == "on" || text == "true")
         return fromBits(1);
-    }
-    if (text == "0" || text == "off" || text == "false") {
+    if (text == "0" || text == "off" || text == "false")
         return fromBits(0);
-    }
     throw UsageError(fmt::format("'{}' is not a bit; write 1 or 0, on or off, true or false", text));
 }
 
@@ -146,9 +142,8 @@ ValueBytes storedFromHex(const ValueFormat &format, const std::string &text)
 ValueBytes floatFromText(const ValueFormat &format, const std::string &text)
 {
     const double number = readDecimal(format, text) / format.scale;
-    if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) {
+    if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max()))
         throw UsageError(fmt::format("{} is too large for {}", text, nameOf(format.type)));
-    }
     const float stored = static_cast<float>(number);
     std::uint32_t bits;
     std::memcpy(&bits, &stored, sizeof bits);
@@ -160,13 +155,11 @@ ValueBytes integerFromText(const ValueFormat &format, const std::string &text)
 {
     const double shown = readDecimal(format, text);
     const double stored = std::round(shown / format.scale);
-    if (format.scale == 1 && stored != shown) {
+    if (format.scale == 1 && stored != shown)
         throw UsageError(fmt::format("{} is not a whole number ({})", text, nameOf(format.type)));
-    }
     const Range range = rangeOf(format);
-    if (!(stored >= static_cast<double>(range.lowest) && stored <= static_cast<double>(range.highest))) {
+    if (!(stored >= static_cast<double>(range.lowest) && stored <= static_cast<double>(range.highest)))
         refuseRange(format, text, range);
-    }
     return fromBits(static_cast<std::uint32_t>(static_cast<std::int64_t>(stored)));
 }
 
@@ -174,21 +167,17 @@ ValueBytes integerFromText(const ValueFormat &format, const std::string &text)
 
 std::optional<ValueType> valueTypeFromName(const std::string &name)
 {
-    for (const TypeName &entry : TYPE_NAMES) {
-        if (name == entry.name) {
+    for (const TypeName &entry : TYPE_NAMES)
+        if (name == entry.name)
             return entry.type;
-        }
-    }
     return std::nullopt;
 }
 
 const char *nameOf(ValueType type)
 {
-    for (const TypeName &entry : TYPE_NAMES) {
-        if (type == entry.type) {
+    for (const TypeName &entry : TYPE_NAMES)
+        if (type == entry.type)
             return entry.name;
-        }
-    }
     return "";
 }
 
@@ -224,35 +213,29 @@ Number numberOf(const ValueFormat &format, const ValueBytes &bytes)
         break;
     }
     const std::int64_t stored = integerOf(format, bits);
-    if (format.scale == 1) {
+    if (format.scale == 1)
         return stored;
-    }
     return std::strtod(realText(format, static_cast<double>(stored)).c_str(), nullptr);
 }
 
 std::string textOf(const ValueFormat &format, const ValueBytes &bytes)
 {
     const Number number = numberOf(format, bytes);
-    if (const bool *bit = std::get_if<bool>(&number)) {
+    if (const bool *bit = std::get_if<bool>(&number))
         return *bit ? "1" : "0";
-    }
-    if (const std::int64_t *integer = std::get_if<std::int64_t>(&number)) {
+    if (const std::int64_t *integer = std::get_if<std::int64_t>(&number))
         return std::to_string(*integer);
-    }
-    if (const double *real = std::get_if<double>(&number)) {
+    if (const double *real = std::get_if<double>(&number))
         return format.scale == 1 ? fmt::format("{}", static_cast<float>(*real)) : fmt::format("{:.10g}", *real);
-    }
     return std::get<std::string>(number);
 }
 
 ValueBytes bytesOf(const ValueFormat &format, const std::string &text)
 {
-    if (format.type == ValueType::Bit) {
+    if (format.type == ValueType::Bit)
         return bitFromText(text);
-    }
-    if (text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0) {
+    if (text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0)
         return storedFromHex(format, text);
-    }
     return format.type == ValueType::Float32 ? floatFromText(format, text) : integerFromText(format, text);
 }
 

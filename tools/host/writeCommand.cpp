@@ -15,9 +15,8 @@ struct Assignment {
 Assignment parseAssignment(const RegisterKinds &kinds, const WriteOptions &options, const std::string &text)
 {
     const std::size_t equals = text.find('=');
-    if (equals == std::string::npos) {
+    if (equals == std::string::npos)
         throw UsageError("'" + text + "' is not of the form D100=42");
-    }
     Assignment assignment;
     const std::string label = text.substr(0, equals);
     assignment.text = text.substr(equals + 1);
@@ -66,21 +65,20 @@ int writeCommand(const GeneralOptions &general, const WriteOptions &options)
 {
     Host host(general, driverConfigOf(options.link));
     std::vector<Assignment> assignments;
-    for (const std::string &text : options.assignments) {
+    for (const std::string &text : options.assignments)
         assignments.push_back(parseAssignment(host.kinds, options, text));
-    }
     Verdict verdict;
     WriteTracker tracker(host.driver.calls(), [&](const WriteEnd &end) {
         host.printer.writeEnd(end, false);
         judge(end, verdict);
     });
-    for (const Assignment &assignment : assignments) {
+    for (const Assignment &assignment : assignments)
         tracker.post(assignment.value, assignment.bytes, assignment.text);
-    }
     Writing writing(tracker);
     try {
-        runUntil(host, linkConfigOf(options.link), general.trace, writing, verdict,
-                 [&] { return !tracker.anyOutstanding(); });
+        runUntil(
+            host, linkConfigOf(options.link), general.trace, writing, verdict,
+            [&] { return !tracker.anyOutstanding(); });
     } catch (const LinkError &) {
         tracker.finish();
         throw;

@@ -57,9 +57,8 @@ void WriteTracker::frameChosen(const FRAME_PRO &frame)
 {
     m_idleAnswers = 0;
     if (!isWrite(frame)) {
-        if (m_burst < LONGEST_BURST) {
+        if (m_burst < LONGEST_BURST)
             queueSeenEmpty();
-        }
         m_burst = 0;
         return;
     }
@@ -69,9 +68,8 @@ void WriteTracker::frameChosen(const FRAME_PRO &frame)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         const auto chosen = find(frame.variable.hostContext);
-        if (chosen == m_writes.end()) {
+        if (chosen == m_writes.end())
             return;
-        }
         chosen->sent = true;
         const Write write = *chosen;
         const auto isSamePlace = [&write](const Write &other) {
@@ -96,9 +94,8 @@ void WriteTracker::nothingToSend()
         const std::lock_guard<std::mutex> lock(m_mutex);
         waiting = m_writes.size();
     }
-    if (m_idleAnswers > waiting + 1) {
+    if (m_idleAnswers > waiting + 1)
         queueSeenEmpty();
-    }
 }
 
 void WriteTracker::queueSeenEmpty()
@@ -114,16 +111,14 @@ void WriteTracker::queueSeenEmpty()
 
 void WriteTracker::accepted(const FRAME_PRO &frame)
 {
-    if (isWrite(frame)) {
+    if (isWrite(frame))
         endOne(frame.variable.hostContext, frame.replyLength == 0 ? WriteOutcome::Sent : WriteOutcome::Confirmed);
-    }
 }
 
 void WriteTracker::givenUp(const FRAME_PRO &frame, const Failure &failure)
 {
-    if (isWrite(frame)) {
+    if (isWrite(frame))
         endOne(frame.variable.hostContext, WriteOutcome::GivenUp, failure);
-    }
 }
 
 void WriteTracker::finish()
@@ -133,9 +128,8 @@ void WriteTracker::finish()
         const std::lock_guard<std::mutex> lock(m_mutex);
         left.swap(m_writes);
     }
-    for (const Write &write : left) {
+    for (const Write &write : left)
         end({write}, write.sent ? WriteOutcome::Unconfirmed : WriteOutcome::Unsent);
-    }
 }
 
 bool WriteTracker::anyOutstanding() const
@@ -153,8 +147,8 @@ bool WriteTracker::isOutstanding(const Place &place) const
 
 WriteTracker::Writes::iterator WriteTracker::find(Number number)
 {
-    return std::find_if(m_writes.begin(), m_writes.end(),
-                        [number](const Write &write) { return write.number == number; });
+    return std::find_if(
+        m_writes.begin(), m_writes.end(), [number](const Write &write) { return write.number == number; });
 }
 
 WriteTracker::Writes WriteTracker::takeBefore(const Writes::const_iterator &end)
@@ -170,9 +164,8 @@ void WriteTracker::endOne(Number number, WriteOutcome outcome, const Failure &fa
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         const auto found = find(number);
-        if (found == m_writes.end()) {
+        if (found == m_writes.end())
             return;
-        }
         ended.push_back(*found);
         m_writes.erase(found);
     }
@@ -181,9 +174,8 @@ void WriteTracker::endOne(Number number, WriteOutcome outcome, const Failure &fa
 
 void WriteTracker::end(const Writes &writes, WriteOutcome outcome, const Failure &failure) const
 {
-    for (const Write &write : writes) {
+    for (const Write &write : writes)
         m_handler({write.value, write.text, outcome, wordsFor(outcome, write.value.place.station, failure), failure});
-    }
 }
 
 } // namespace vshost

@@ -27,16 +27,16 @@ std::optional<std::uint32_t> parseWordBit(std::string_view text)
         return std::nullopt;
     const auto word = parseDigits(text.substr(0, point), 10);
     const auto bit = parseDigits(text.substr(point + 1), 10);
-    if (!word || !bit || *bit >= bitsPerWord || *word > UINT32_MAX / bitsPerWord)
+    if (!word || !bit || *bit >= BITS_PER_WORD || *word > UINT32_MAX / BITS_PER_WORD)
         return std::nullopt;
-    return *word * bitsPerWord + *bit;
+    return *word * BITS_PER_WORD + *bit;
 }
 
 std::optional<std::uint32_t> parseNumber(std::string_view text, Notation notation)
 {
-    if (notation == Notation::wordBit)
+    if (notation == Notation::WordBit)
         return parseWordBit(text);
-    return parseDigits(text, notation == Notation::octal ? 8 : 10);
+    return parseDigits(text, notation == Notation::Octal ? 8 : 10);
 }
 
 // "32C" begins with a digit and "T_Coil" with another kind's name: the longest name that fits is meant.
@@ -54,11 +54,11 @@ const RegisterKind *longestKindOf(std::string_view text)
 const char *notationText(Notation notation)
 {
     switch (notation) {
-    case Notation::octal:
+    case Notation::Octal:
         return "an octal number";
-    case Notation::wordBit:
+    case Notation::WordBit:
         return "WORD.BIT with bits 0 to 15";
-    case Notation::decimal:
+    case Notation::Decimal:
         break;
     }
     return "a decimal number";
@@ -84,11 +84,11 @@ Address parseAddress(const std::string &text)
 std::string addressText(const RegisterKind &kind, std::uint32_t number)
 {
     switch (kind.notation) {
-    case Notation::octal:
+    case Notation::Octal:
         return fmt::format("{}{:o}", kind.name, number);
-    case Notation::wordBit:
-        return fmt::format("{}{}.{}", kind.name, number / bitsPerWord, number % bitsPerWord);
-    case Notation::decimal:
+    case Notation::WordBit:
+        return fmt::format("{}{}.{}", kind.name, number / BITS_PER_WORD, number % BITS_PER_WORD);
+    case Notation::Decimal:
         break;
     }
     return fmt::format("{}{}", kind.name, number);

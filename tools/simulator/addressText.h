@@ -1,5 +1,6 @@
-// Addresses as people write them: "D100", "X17", "D_bit100.5".
-#pragma once
+/// Addresses as people write them: "D100", "X17", "D_bit100.5".
+#ifndef VSSIM_ADDRESS_TEXT_H
+#define VSSIM_ADDRESS_TEXT_H
 
 #include "simulator/registerKinds.h"
 
@@ -19,3 +20,5 @@ Address parseAddress(const std::string &text);
 std::string addressText(const RegisterKind &kind, std::uint32_t number);
 
 } // namespace vssim
+
+#endif

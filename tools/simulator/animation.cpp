@@ -7,14 +7,14 @@ namespace vssim {
 
 namespace {
 
-constexpr std::uint32_t rampLength = 1000;
-constexpr std::uint32_t stepsPerTurn = 60;
-constexpr double amplitude = 1000;
-constexpr double pi = 3.14159265358979323846;
-constexpr unsigned blinkingBits = 8;
-constexpr std::uint32_t timerLength = 100;
+constexpr std::uint32_t RAMP_LENGTH = 1000;
+constexpr std::uint32_t STEPS_PER_TURN = 60;
+constexpr double AMPLITUDE = 1000;
+constexpr double PI = 3.14159265358979323846;
+constexpr unsigned BLINKING_BITS = 8;
+constexpr std::uint32_t TIMER_LENGTH = 100;
 
-double sine(std::uint32_t step) { return std::sin(2 * pi * (step % stepsPerTurn) / stepsPerTurn); }
+double sine(std::uint32_t step) { return std::sin(2 * PI * (step % STEPS_PER_TURN) / STEPS_PER_TURN); }
 
 std::uint32_t floatBits(double value)
 {
@@ -29,27 +29,27 @@ std::uint32_t floatBits(double value)
 
 void Animation::step()
 {
-    ++steps;
-    for (const std::uint8_t station : controller.stations())
+    ++m_steps;
+    for (const std::uint8_t station : m_controller.stations())
         stepStation(station);
 }
 
 void Animation::stepStation(std::uint8_t station)
 {
     const auto set = [this, station](const char *kind, std::uint32_t number, std::uint32_t value) {
-        controller.write(station, kind, number, value);
+        m_controller.write(station, kind, number, value);
     };
-    const std::uint32_t wave = floatBits(sine(steps));
-    set("D", 0, steps % rampLength);
-    set("D", 1, static_cast<std::uint32_t>(std::lround(amplitude * sine(steps))));
+    const std::uint32_t wave = floatBits(sine(m_steps));
+    set("D", 0, m_steps % RAMP_LENGTH);
+    set("D", 1, static_cast<std::uint32_t>(std::lround(AMPLITUDE * sine(m_steps))));
     set("D", 2, wave);
     set("D", 3, wave >> 16U);
-    set("C", 0, steps);
-    set("32C", 200, steps);
-    set("T", 0, steps % timerLength);
-    set("T_Contact", 0, steps % timerLength == 0);
-    for (unsigned bit = 0; bit < blinkingBits; ++bit)
-        set("M", bit, steps >> bit);
+    set("C", 0, m_steps);
+    set("32C", 200, m_steps);
+    set("T", 0, m_steps % TIMER_LENGTH);
+    set("T_Contact", 0, m_steps % TIMER_LENGTH == 0);
+    for (unsigned bit = 0; bit < BLINKING_BITS; ++bit)
+        set("M", bit, m_steps >> bit);
 }
 
 std::string animationList()

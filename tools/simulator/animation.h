@@ -1,5 +1,6 @@
-// Values that move by themselves, so that there is something to see. One step after another; the caller has the clock.
-#pragma once
+/// Values that move by themselves, so that there is something to see. One step after another; the caller has the clock.
+#ifndef VSSIM_ANIMATION_H
+#define VSSIM_ANIMATION_H
 
 #include "simulator/controller.h"
 
@@ -8,7 +9,7 @@ namespace vssim {
 class Animation {
 public:
     /// `animated` must outlive the animation.
-    explicit Animation(Controller &animated) : controller(animated) {}
+    explicit Animation(Controller &animated) : m_controller(animated) {}
 
     /// The next values, in every station.
     void step();
@@ -16,11 +17,13 @@ public:
 private:
     void stepStation(std::uint8_t station);
 
-    Controller &controller;
-    std::uint32_t steps = 0;
+    Controller &m_controller;
+    std::uint32_t m_steps = 0;
 };
 
 /// Which values move and how, a line each, for help texts.
 std::string animationList();
 
 } // namespace vssim
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef VSSIM_BYTES_H
+#define VSSIM_BYTES_H
 
 #include <cstdint>
 #include <vector>
@@ -8,3 +9,5 @@ namespace vssim {
 using Bytes = std::vector<std::uint8_t>;
 
 } // namespace vssim
+
+#endif

@@ -6,7 +6,7 @@ namespace vssim {
 
 namespace {
 
-constexpr unsigned bitsPerByte = 8;
+constexpr unsigned BITS_PER_BYTE = 8;
 
 using Lock = std::lock_guard<std::mutex>;
 
@@ -15,24 +15,24 @@ Bytes readUnits(const StationMemory &memory, const Request &request)
     const RegisterKind &kind = *findKind(request.kind->memory);
     Bytes data;
     for (std::uint32_t i = 0; i < request.count; ++i)
-        appendLittleEndian(data, memory.read(kind, request.number + i).value_or(0), kind.valueBits / bitsPerByte);
+        appendLittleEndian(data, memory.read(kind, request.number + i).value_or(0), kind.valueBits / BITS_PER_BYTE);
     return data;
 }
 
 Bytes readBits(const StationMemory &memory, const Request &request)
 {
-    Bytes data((request.count + bitsPerByte - 1) / bitsPerByte);
+    Bytes data((request.count + BITS_PER_BYTE - 1) / BITS_PER_BYTE);
     for (std::uint32_t i = 0; i < request.count; ++i) {
         const std::uint32_t bit = memory.read(*request.kind, request.number + i).value_or(0);
-        std::uint8_t &byte = data[i / bitsPerByte];
-        byte = static_cast<std::uint8_t>(byte | (bit << (i % bitsPerByte)));
+        std::uint8_t &byte = data[i / BITS_PER_BYTE];
+        byte = static_cast<std::uint8_t>(byte | (bit << (i % BITS_PER_BYTE)));
     }
     return data;
 }
 
 void writeUnits(StationMemory &memory, const Request &request)
 {
-    const std::size_t size = request.kind->valueBits / bitsPerByte;
+    const std::size_t size = request.kind->valueBits / BITS_PER_BYTE;
     for (std::uint32_t i = 0; i < request.count; ++i)
         memory.write(*request.kind, request.number + i, littleEndian(request.data, i * size, size));
 }
@@ -56,29 +56,29 @@ std::optional<std::uint8_t> stationOf(const Decoded &decoded)
 bool isWrite(const Decoded &decoded)
 {
     const auto *request = std::get_if<Request>(&decoded);
-    return request && (request->command == Command::writeUnits || request->command == Command::writeBits);
+    return request && (request->command == Command::WriteUnits || request->command == Command::WriteBits);
 }
 
 } // namespace
 
 Controller::Controller(const std::set<std::uint8_t> &stationNumbers, BitWriteMode mode, std::uint32_t seed)
-    : numbers(stationNumbers), bitWriteMode(mode), faults(seed)
+    : m_numbers(stationNumbers), m_bitWriteMode(mode), m_faults(seed)
 {
-    for (const std::uint8_t number : numbers)
-        memories[number];
+    for (const std::uint8_t number : m_numbers)
+        m_memories[number];
 }
 
 std::optional<Answer> Controller::answer(const Frame &frame)
 {
     const Decoded decoded = decode(frame);
     const auto station = stationOf(decoded);
-    const Lock lock(mutex);
-    if (station == broadcastStation && isWrite(decoded)) {
+    const Lock lock(m_mutex);
+    if (station == BROADCAST_STATION && isWrite(decoded)) {
         carryOutForAll(decoded);
         return std::nullopt;
     }
-    if (!station || memories.count(*station) == 0) {
-        ++counted.unanswerable;
+    if (!station || m_memories.count(*station) == 0) {
+        ++m_counted.unanswerable;
         return std::nullopt;
     }
     return answerOf(*station, decoded);
@@ -86,45 +86,45 @@ std::optional<Answer> Controller::answer(const Frame &frame)
 
 void Controller::carryOutForAll(const Decoded &decoded)
 {
-    ++counted.broadcasts;
-    for (auto &[number, memory] : memories)
+    ++m_counted.broadcasts;
+    for (auto &[number, memory] : m_memories)
         carryOut(memory, std::get<Request>(decoded));
 }
 
 std::optional<Answer> Controller::answerOf(std::uint8_t station, const Decoded &decoded)
 {
-    const std::vector<Fault> drawn = faults.draw(station);
-    if (findFault(drawn, FaultKind::silence))
+    const std::vector<Fault> drawn = m_faults.draw(station);
+    if (findFault(drawn, FaultKind::Silence))
         return std::nullopt;
     const auto *request = std::get_if<Request>(&decoded);
     if (request)
-        ++counted.requests[request->command];
+        ++m_counted.requests[request->command];
     Reply reply{station, 0, {}};
-    if (const Fault *error = findFault(drawn, FaultKind::error))
+    if (const Fault *error = findFault(drawn, FaultKind::Error))
         reply.status = static_cast<std::uint8_t>(error->amount);
     else if (request)
-        reply = carryOut(memories[station], *request);
+        reply = carryOut(m_memories[station], *request);
     else
         reply.status = static_cast<std::uint8_t>(std::get<Refusal>(decoded).status);
     if (reply.status != 0)
-        ++counted.refusals[static_cast<Status>(reply.status)];
-    return faults.distort(std::move(reply), drawn);
+        ++m_counted.refusals[static_cast<Status>(reply.status)];
+    return m_faults.distort(std::move(reply), drawn);
 }
 
 Reply Controller::carryOut(StationMemory &memory, const Request &request) const
 {
     Reply reply{request.station, 0, {}};
     switch (request.command) {
-    case Command::readUnits:
+    case Command::ReadUnits:
         reply.data = readUnits(memory, request);
         break;
-    case Command::readBits:
+    case Command::ReadBits:
         reply.data = readBits(memory, request);
         break;
-    case Command::writeUnits:
+    case Command::WriteUnits:
         writeUnits(memory, request);
         break;
-    case Command::writeBits:
+    case Command::WriteBits:
         writeBits(memory, request);
         break;
     }
@@ -134,20 +134,20 @@ Reply Controller::carryOut(StationMemory &memory, const Request &request) const
 // Bits past the kind's end are the padding of the last byte; the memory takes none of them.
 void Controller::writeBits(StationMemory &memory, const Request &request) const
 {
-    const bool single = bitWriteMode == BitWriteMode::single && request.count == 1;
-    const std::uint32_t bits = single ? 1 : request.count * bitsPerByte;
+    const bool single = m_bitWriteMode == BitWriteMode::LoneBit && request.count == 1;
+    const std::uint32_t bits = single ? 1 : request.count * BITS_PER_BYTE;
     for (std::uint32_t i = 0; i < bits; ++i)
         memory.write(*request.kind, request.number + i,
-                     std::uint32_t{request.data[i / bitsPerByte]} >> i % bitsPerByte);
+                     std::uint32_t{request.data[i / BITS_PER_BYTE]} >> i % BITS_PER_BYTE);
 }
 
 std::optional<std::uint32_t> Controller::read(std::uint8_t station, std::string_view kindName,
                                               std::uint32_t number) const
 {
     const RegisterKind *kind = findKind(kindName);
-    const Lock lock(mutex);
-    const auto memory = memories.find(station);
-    if (!kind || memory == memories.end())
+    const Lock lock(m_mutex);
+    const auto memory = m_memories.find(station);
+    if (!kind || memory == m_memories.end())
         return std::nullopt;
     return memory->second.read(*kind, number);
 }
@@ -155,29 +155,29 @@ std::optional<std::uint32_t> Controller::read(std::uint8_t station, std::string_
 bool Controller::write(std::uint8_t station, std::string_view kindName, std::uint32_t number, std::uint32_t value)
 {
     const RegisterKind *kind = findKind(kindName);
-    const Lock lock(mutex);
-    const auto memory = memories.find(station);
-    return kind && memory != memories.end() && memory->second.write(*kind, number, value);
+    const Lock lock(m_mutex);
+    const auto memory = m_memories.find(station);
+    return kind && memory != m_memories.end() && memory->second.write(*kind, number, value);
 }
 
 void Controller::addFault(const std::string &text)
 {
     const FaultRule rule = parseFault(text);
-    const Lock lock(mutex);
-    faults.add(rule);
+    const Lock lock(m_mutex);
+    m_faults.add(rule);
 }
 
 void Controller::clearFaults()
 {
-    const Lock lock(mutex);
-    faults.clear();
+    const Lock lock(m_mutex);
+    m_faults.clear();
 }
 
 Counts Controller::counts() const
 {
-    const Lock lock(mutex);
-    Counts counts = counted;
-    counts.faults = faults.counts();
+    const Lock lock(m_mutex);
+    Counts counts = m_counted;
+    counts.faults = m_faults.counts();
     return counts;
 }
 

@@ -1,6 +1,7 @@
-// The simulated controller: any number of stations behind one link. Takes requests, gives answers; knows neither the
-// link nor the clock.
-#pragma once
+/// The simulated controller: any number of stations behind one link. Takes requests, gives answers; knows neither the
+/// link nor the clock.
+#ifndef VSSIM_CONTROLLER_H
+#define VSSIM_CONTROLLER_H
 
 #include "simulator/counts.h"
 #include "simulator/stationMemory.h"
@@ -13,14 +14,14 @@ namespace vssim {
 /// A request to write bits carries a number of bytes, never of bits: whether a byte stands for one bit or for eight,
 /// the controller cannot see.
 enum class BitWriteMode {
-    bytes,  ///< every byte writes eight bits, as far as the kind reaches
-    single, ///< a lone byte writes one bit, its lowest; more bytes write eight bits each
+    WholeBytes, ///< every byte writes eight bits, as far as the kind reaches
+    LoneBit,    ///< a lone byte writes one bit, its lowest; more bytes write eight bits each
 };
 
 /// All calls may come from any thread: each takes the controller's own lock.
 class Controller {
 public:
-    explicit Controller(const std::set<std::uint8_t> &stationNumbers, BitWriteMode mode = BitWriteMode::single,
+    explicit Controller(const std::set<std::uint8_t> &stationNumbers, BitWriteMode mode = BitWriteMode::LoneBit,
                         std::uint32_t seed = 1);
 
     /// Carries the request out and gives what goes back on the wire, faults included; nothing when no station answers.
@@ -35,7 +36,7 @@ public:
     void clearFaults();
 
     Counts counts() const;
-    const std::set<std::uint8_t> &stations() const { return numbers; }
+    const std::set<std::uint8_t> &stations() const { return m_numbers; }
 
 private:
     void carryOutForAll(const Decoded &decoded);
@@ -43,12 +44,14 @@ private:
     Reply carryOut(StationMemory &memory, const Request &request) const;
     void writeBits(StationMemory &memory, const Request &request) const;
 
-    const std::set<std::uint8_t> numbers;
-    const BitWriteMode bitWriteMode;
-    mutable std::mutex mutex; ///< guards everything below
-    std::map<std::uint8_t, StationMemory> memories;
-    Faults faults;
-    Counts counted;
+    const std::set<std::uint8_t> m_numbers;
+    const BitWriteMode m_bitWriteMode;
+    mutable std::mutex m_mutex; ///< guards everything below
+    std::map<std::uint8_t, StationMemory> m_memories;
+    Faults m_faults;
+    Counts m_counted;
 };
 
 } // namespace vssim
+
+#endif

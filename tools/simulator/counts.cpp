@@ -29,7 +29,7 @@ std::string refusalText(const Counts &counts)
 std::string faultText(const Counts &counts)
 {
     std::string line;
-    for (std::size_t i = 0; i < faultKindCount; ++i)
+    for (std::size_t i = 0; i < FAULT_KIND_COUNT; ++i)
         addPart(line, faultName(static_cast<FaultKind>(i)), counts.faults[i]);
     return line;
 }
@@ -42,8 +42,8 @@ std::string summaryText(const Counts &counts)
     const std::string faults = faultText(counts);
     std::string text = fmt::format(
         "requests: read units {}, read bits {}, write units {}, write bits {}, broadcast {}, not answered {}\n",
-        requestsOf(counts, Command::readUnits), requestsOf(counts, Command::readBits),
-        requestsOf(counts, Command::writeUnits), requestsOf(counts, Command::writeBits), counts.broadcasts,
+        requestsOf(counts, Command::ReadUnits), requestsOf(counts, Command::ReadBits),
+        requestsOf(counts, Command::WriteUnits), requestsOf(counts, Command::WriteBits), counts.broadcasts,
         counts.unanswerable);
     text += fmt::format("refusals: {}\n", refusals.empty() ? "none" : refusals);
     text += fmt::format("faults: {}\n", faults.empty() ? "none" : faults);

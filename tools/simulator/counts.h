@@ -1,5 +1,6 @@
-// What a simulated controller has been asked so far.
-#pragma once
+/// What a simulated controller has been asked so far.
+#ifndef VSSIM_COUNTS_H
+#define VSSIM_COUNTS_H
 
 #include "simulator/faults.h"
 #include "simulator/request.h"
@@ -21,3 +22,5 @@ struct Counts {
 std::string summaryText(const Counts &counts);
 
 } // namespace vssim
+
+#endif

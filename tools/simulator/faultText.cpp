@@ -1,4 +1,4 @@
-// The names of the faults and the text form of their rules.
+/// The names of the faults and the text form of their rules.
 #include "simulator/faults.h"
 
 #include <fmt/format.h>
@@ -21,7 +21,7 @@ struct FaultForm {
 };
 
 // In the order of FaultKind.
-constexpr std::array<FaultForm, faultKindCount> forms{{
+constexpr std::array<FaultForm, FAULT_KIND_COUNT> FORMS{{
     {"silence", nullptr, 0, 0, 0, "does not hear the request: carries out and answers nothing"},
     {"error", "status", 1, 255, 9, "answers a status and carries nothing out"},
     {"delay", "ms", 0, 600000, 500, "answers late by so many milliseconds"},
@@ -33,15 +33,15 @@ constexpr std::array<FaultForm, faultKindCount> forms{{
     {"wrong-station", "station", 0, 254, 0, "names another station in the reply; 0: the next one"},
 }};
 
-const FaultForm &formOf(FaultKind kind) { return forms[static_cast<std::size_t>(kind)]; }
+const FaultForm &formOf(FaultKind kind) { return FORMS[static_cast<std::size_t>(kind)]; }
 
 FaultKind kindNamed(const std::string &name)
 {
-    for (std::size_t i = 0; i < forms.size(); ++i)
-        if (name == forms[i].name)
+    for (std::size_t i = 0; i < FORMS.size(); ++i)
+        if (name == FORMS[i].name)
             return static_cast<FaultKind>(i);
     std::string names;
-    for (const FaultForm &form : forms)
+    for (const FaultForm &form : FORMS)
         names += fmt::format("{}{}", names.empty() ? "" : ", ", form.name);
     throw std::invalid_argument(fmt::format("\"{}\" is no fault; the faults are {}", name, names));
 }
@@ -119,7 +119,7 @@ const char *faultName(FaultKind kind) { return formOf(kind).name; }
 std::string faultList()
 {
     std::string list;
-    for (const FaultForm &form : forms) {
+    for (const FaultForm &form : FORMS) {
         const std::string key = form.key ? fmt::format("{}={}", form.key, form.usual) : "";
         list += fmt::format("  {:<14} {:<10} {}\n", form.name, key, form.meaning);
     }

@@ -1,6 +1,7 @@
-// Faults by name: which replies they meet, and what they do to them. Each is scripted for a station or for all, with a
-// probability or for a number of requests; it wears off and is counted.
-#pragma once
+/// Faults by name: which replies they meet, and what they do to them. Each is scripted for a station or for all, with a
+/// probability or for a number of requests; it wears off and is counted.
+#ifndef VSSIM_FAULTS_H
+#define VSSIM_FAULTS_H
 
 #include "simulator/reply.h"
 
@@ -13,18 +14,18 @@
 namespace vssim {
 
 enum class FaultKind {
-    silence,      ///< the station does not hear the request: nothing is carried out, nothing is answered
-    error,        ///< the station refuses with a status: nothing is carried out
-    delay,        ///< the reply goes out late
-    drop,         ///< bytes get lost on the way
-    flip,         ///< bits change on the way; the checksum notices a single one always, several may cancel out
-    truncate,     ///< the reply's last bytes get lost
-    overlong,     ///< a well-formed reply with more data than was asked for
-    garbage,      ///< noise before the reply
-    wrongStation, ///< a well-formed reply that names another station
+    Silence,      ///< the station does not hear the request: nothing is carried out, nothing is answered
+    Error,        ///< the station refuses with a status: nothing is carried out
+    Delay,        ///< the reply goes out late
+    Drop,         ///< bytes get lost on the way
+    Flip,         ///< bits change on the way; the checksum notices a single one always, several may cancel out
+    Truncate,     ///< the reply's last bytes get lost
+    Overlong,     ///< a well-formed reply with more data than was asked for
+    Garbage,      ///< noise before the reply
+    WrongStation, ///< a well-formed reply that names another station
 };
 
-constexpr std::size_t faultKindCount = 9;
+constexpr std::size_t FAULT_KIND_COUNT = 9;
 
 /// A fault that has been drawn for one request.
 struct Fault {
@@ -54,15 +55,15 @@ struct Answer {
     std::chrono::milliseconds delay{0};
 };
 
-using FaultCounts = std::array<std::uint64_t, faultKindCount>; ///< by FaultKind
+using FaultCounts = std::array<std::uint64_t, FAULT_KIND_COUNT>; ///< by FaultKind
 
 class Faults {
 public:
     /// The same seed and the same requests give the same faults.
-    explicit Faults(std::uint32_t seed = 1) : random(seed) {}
+    explicit Faults(std::uint32_t seed = 1) : m_random(seed) {}
 
-    void add(const FaultRule &rule) { rules.push_back(rule); }
-    void clear() { rules.clear(); }
+    void add(const FaultRule &rule) { m_rules.push_back(rule); }
+    void clear() { m_rules.clear(); }
 
     /// The faults that meet this request to the station; counts them, and wears the rules off.
     std::vector<Fault> draw(std::uint8_t station);
@@ -70,7 +71,7 @@ public:
     /// The reply on the wire with the faults done to it; `silence` and `error` are the caller's to heed before.
     Answer distort(Reply reply, const std::vector<Fault> &faults);
 
-    const FaultCounts &counts() const { return met; }
+    const FaultCounts &counts() const { return m_met; }
 
 private:
     bool meets(const FaultRule &rule, std::uint8_t station);
@@ -80,9 +81,11 @@ private:
     Bytes noise(unsigned count);
     std::size_t below(std::size_t end); ///< random; end > 0
 
-    std::mt19937 random;
-    std::vector<FaultRule> rules;
-    FaultCounts met{};
+    std::mt19937 m_random;
+    std::vector<FaultRule> m_rules;
+    FaultCounts m_met{};
 };
 
 } // namespace vssim
+
+#endif

@@ -7,7 +7,7 @@ namespace vssim {
 namespace {
 
 // A host sends at most 1024 bytes a request; twice that is no request any more.
-constexpr std::size_t longestBody = 2048;
+constexpr std::size_t LONGEST_BODY = 2048;
 
 } // namespace
 
@@ -21,31 +21,31 @@ std::vector<Frame> FrameReader::feed(const std::uint8_t *bytes, std::size_t size
 
 void FrameReader::take(std::uint8_t byte, std::vector<Frame> &complete)
 {
-    switch (state) {
-    case State::outside:
-    case State::outsideDle:
+    switch (m_state) {
+    case State::Outside:
+    case State::OutsideDle:
         return takeOutside(byte);
-    case State::body:
+    case State::Body:
         return takeBody(byte);
-    case State::bodyDle:
+    case State::BodyDle:
         return takeBehindDle(byte);
-    case State::firstDigit:
-    case State::secondDigit:
+    case State::FirstDigit:
+    case State::SecondDigit:
         return takeDigit(byte, complete);
     }
 }
 
 void FrameReader::takeOutside(std::uint8_t byte)
 {
-    if (state == State::outsideDle && byte == stx)
+    if (m_state == State::OutsideDle && byte == STX)
         return start();
-    state = byte == dle ? State::outsideDle : State::outside;
+    m_state = byte == DLE ? State::OutsideDle : State::Outside;
 }
 
 void FrameReader::takeBody(std::uint8_t byte)
 {
-    if (byte == dle)
-        state = State::bodyDle;
+    if (byte == DLE)
+        m_state = State::BodyDle;
     else
         append(byte);
 }
@@ -53,13 +53,13 @@ void FrameReader::takeBody(std::uint8_t byte)
 void FrameReader::takeBehindDle(std::uint8_t byte)
 {
     switch (byte) {
-    case dle:
-        state = State::body;
+    case DLE:
+        m_state = State::Body;
         return append(byte);
-    case etx:
-        state = State::firstDigit;
+    case ETX:
+        m_state = State::FirstDigit;
         return;
-    case stx: // the sender gave up what it had begun
+    case STX: // the sender gave up what it had begun
         return start();
     default: // a lone DLE stands in no body
         return abandon();
@@ -69,37 +69,37 @@ void FrameReader::takeBehindDle(std::uint8_t byte)
 // A DLE here is no checksum digit: the request lost its end, and the next one may begin.
 void FrameReader::takeDigit(std::uint8_t byte, std::vector<Frame> &complete)
 {
-    if (byte == dle) {
+    if (byte == DLE) {
         abandon();
-        state = State::outsideDle;
+        m_state = State::OutsideDle;
         return;
     }
-    frame.checksum[state == State::firstDigit ? 0 : 1] = byte;
-    if (state == State::firstDigit) {
-        state = State::secondDigit;
+    m_frame.checksum[m_state == State::FirstDigit ? 0 : 1] = byte;
+    if (m_state == State::FirstDigit) {
+        m_state = State::SecondDigit;
         return;
     }
-    complete.push_back(std::exchange(frame, Frame{}));
-    state = State::outside;
+    complete.push_back(std::exchange(m_frame, Frame{}));
+    m_state = State::Outside;
 }
 
 void FrameReader::append(std::uint8_t byte)
 {
-    frame.body.push_back(byte);
-    if (frame.body.size() > longestBody)
+    m_frame.body.push_back(byte);
+    if (m_frame.body.size() > LONGEST_BODY)
         abandon();
 }
 
 void FrameReader::start()
 {
-    frame = Frame{};
-    state = State::body;
+    m_frame = Frame{};
+    m_state = State::Body;
 }
 
 void FrameReader::abandon()
 {
-    frame = Frame{};
-    state = State::outside;
+    m_frame = Frame{};
+    m_state = State::Outside;
 }
 
 } // namespace vssim

@@ -1,5 +1,6 @@
-// Finds requests in a stream of bytes that comes in pieces of any size. Knows the envelope, not what is inside.
-#pragma once
+/// Finds requests in a stream of bytes that comes in pieces of any size. Knows the envelope, not what is inside.
+#ifndef VSSIM_FRAME_READER_H
+#define VSSIM_FRAME_READER_H
 
 #include "simulator/wireFormat.h"
 
@@ -20,7 +21,7 @@ public:
     std::vector<Frame> feed(const Bytes &bytes) { return feed(bytes.data(), bytes.size()); }
 
 private:
-    enum class State { outside, outsideDle, body, bodyDle, firstDigit, secondDigit };
+    enum class State { Outside, OutsideDle, Body, BodyDle, FirstDigit, SecondDigit };
 
     void take(std::uint8_t byte, std::vector<Frame> &complete);
     void takeOutside(std::uint8_t byte);
@@ -31,8 +32,10 @@ private:
     void start();
     void abandon();
 
-    State state = State::outside;
-    Frame frame{};
+    State m_state = State::Outside;
+    Frame m_frame{};
 };
 
 } // namespace vssim
+
+#endif

@@ -43,24 +43,24 @@ SerialServer::SerialServer(asio::io_context &context, const tools::SerialSetting
 {
     asio::serial_port port(context);
     tools::openSerial(port, settings);
-    session = std::make_shared<Session<asio::serial_port>>(std::move(port), all, settings.device, std::move(lost));
-    session->start();
+    m_session = std::make_shared<Session<asio::serial_port>>(std::move(port), all, settings.device, std::move(lost));
+    m_session->start();
 }
 
-SerialServer::~SerialServer() { session->close(); }
+SerialServer::~SerialServer() { m_session->close(); }
 
-PtyServer::PtyServer(asio::io_context &context, const Served &all) : hostSide(context)
+PtyServer::PtyServer(asio::io_context &context, const Served &all) : m_hostSide(context)
 {
     asio::posix::stream_descriptor master(context, checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "pty"));
     checked(grantpt(master.native_handle()), "pty");
     checked(unlockpt(master.native_handle()), "pty");
-    deviceName = deviceOf(master.native_handle());
-    hostSide.assign(checked(open(deviceName.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), deviceName.c_str()));
-    makeRaw(hostSide.native_handle());
-    session = std::make_shared<Session<asio::posix::stream_descriptor>>(std::move(master), all, deviceName);
-    session->start();
+    m_deviceName = deviceOf(master.native_handle());
+    m_hostSide.assign(checked(open(m_deviceName.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), m_deviceName.c_str()));
+    makeRaw(m_hostSide.native_handle());
+    m_session = std::make_shared<Session<asio::posix::stream_descriptor>>(std::move(master), all, m_deviceName);
+    m_session->start();
 }
 
-PtyServer::~PtyServer() { session->close(); }
+PtyServer::~PtyServer() { m_session->close(); }
 
 } // namespace vssim

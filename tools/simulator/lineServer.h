@@ -1,5 +1,6 @@
-// The controller on a serial line, or on a pty in its stead.
-#pragma once
+/// The controller on a serial line, or on a pty in its stead.
+#ifndef VSSIM_LINE_SERVER_H
+#define VSSIM_LINE_SERVER_H
 
 #include "simulator/session.h"
 
@@ -21,7 +22,7 @@ public:
     SerialServer &operator=(const SerialServer &) = delete;
 
 private:
-    std::shared_ptr<Session<asio::serial_port>> session;
+    std::shared_ptr<Session<asio::serial_port>> m_session;
 };
 
 /// Makes a pty and serves its master side; hosts open `device()`, in turn, as they would a serial device.
@@ -33,12 +34,14 @@ public:
     PtyServer(const PtyServer &) = delete;
     PtyServer &operator=(const PtyServer &) = delete;
 
-    const std::string &device() const { return deviceName; }
+    const std::string &device() const { return m_deviceName; }
 
 private:
-    std::string deviceName;
-    asio::posix::stream_descriptor hostSide; ///< held open: with no one there, reading the master side would fail
-    std::shared_ptr<Session<asio::posix::stream_descriptor>> session;
+    std::string m_deviceName;
+    asio::posix::stream_descriptor m_hostSide; ///< held open: with no one there, reading the master side would fail
+    std::shared_ptr<Session<asio::posix::stream_descriptor>> m_session;
 };
 
 } // namespace vssim
+
+#endif

@@ -1,4 +1,4 @@
-// vssim: puts the simulated controller on its links and ends with a count of what happened.
+/// vssim: puts the simulated controller on its links and ends with a count of what happened.
 #include "simulator/animation.h"
 #include "simulator/lineServer.h"
 #include "simulator/options.h"
@@ -21,8 +21,8 @@ using namespace vssim;
 class Simulator {
 public:
     explicit Simulator(const Options &chosen)
-        : options(chosen), controller(chosen.stations, chosen.bitWriteMode, chosen.faultSeed), animation(controller),
-          trace(openTrace(chosen))
+        : m_options(chosen), m_controller(chosen.stations, chosen.bitWriteMode, chosen.faultSeed),
+          m_animation(m_controller), m_trace(openTrace(chosen))
     {
     }
 
@@ -40,19 +40,19 @@ private:
     void animateLater();
     void endLater();
 
-    const Options &options;
-    Controller controller;
-    Animation animation;
-    Trace trace;
-    asio::io_context context;
-    asio::signal_set signals{context, SIGINT, SIGTERM};
-    asio::steady_timer animationTimer{context};
-    asio::steady_timer endTimer{context};
-    std::list<TcpServer> tcpServers;
-    std::list<SerialServer> serialServers;
-    std::list<PtyServer> ptyServers;
-    std::size_t linksLeft = 0;
-    int exitCode = exitOk;
+    const Options &m_options;
+    Controller m_controller;
+    Animation m_animation;
+    Trace m_trace;
+    asio::io_context m_context;
+    asio::signal_set m_signals{m_context, SIGINT, SIGTERM};
+    asio::steady_timer m_animationTimer{m_context};
+    asio::steady_timer m_endTimer{m_context};
+    std::list<TcpServer> m_tcpServers;
+    std::list<SerialServer> m_serialServers;
+    std::list<PtyServer> m_ptyServers;
+    std::size_t m_linksLeft = 0;
+    int m_exitCode = EXIT_OK;
 };
 
 Trace Simulator::openTrace(const Options &options)
@@ -64,33 +64,33 @@ Trace Simulator::openTrace(const Options &options)
 
 void Simulator::prepareValues()
 {
-    for (const std::string &file : options.seedFiles)
-        seedFromFile(controller, file);
-    for (const std::string &assignment : options.seeds)
-        seed(controller, assignment);
-    for (const std::string &fault : options.faults)
-        controller.addFault(fault);
+    for (const std::string &file : m_options.seedFiles)
+        seedFromFile(m_controller, file);
+    for (const std::string &assignment : m_options.seeds)
+        seed(m_controller, assignment);
+    for (const std::string &fault : m_options.faults)
+        m_controller.addFault(fault);
 }
 
 void Simulator::openLinks()
 {
-    const Served served{controller, trace};
-    for (const tools::TcpAddress &address : options.tcp) {
-        const TcpServer &server = tcpServers.emplace_back(context, address, served);
+    const Served served{m_controller, m_trace};
+    for (const tools::TcpAddress &address : m_options.tcp) {
+        const TcpServer &server = m_tcpServers.emplace_back(m_context, address, served);
         fmt::print("listening on {}\n", tools::tcpText(server.address()));
     }
-    for (const tools::SerialSettings &settings : options.serial)
+    for (const tools::SerialSettings &settings : m_options.serial)
         openSerialLine(settings);
-    if (options.pty)
-        fmt::print("serial line on {}\n", ptyServers.emplace_back(context, served).device());
+    if (m_options.pty)
+        fmt::print("serial line on {}\n", m_ptyServers.emplace_back(m_context, served).device());
     std::fflush(stdout);
-    linksLeft = tcpServers.size() + serialServers.size() + ptyServers.size();
+    m_linksLeft = m_tcpServers.size() + m_serialServers.size() + m_ptyServers.size();
 }
 
 void Simulator::openSerialLine(const tools::SerialSettings &settings)
 {
-    serialServers.emplace_back(
-        context, settings, Served{controller, trace},
+    m_serialServers.emplace_back(
+        m_context, settings, Served{m_controller, m_trace},
         [this, device = settings.device](const asio::error_code &error) { lose(device, error); });
     fmt::print("serving {}\n", settings.device);
 }
@@ -98,38 +98,38 @@ void Simulator::openSerialLine(const tools::SerialSettings &settings)
 void Simulator::lose(const std::string &device, const asio::error_code &error)
 {
     fmt::print(stderr, "vssim: serial line {} is gone: {}\n", device, error.message());
-    exitCode = exitLink;
-    if (--linksLeft == 0)
-        context.stop();
+    m_exitCode = EXIT_LINK;
+    if (--m_linksLeft == 0)
+        m_context.stop();
 }
 
 int Simulator::run()
 {
-    signals.async_wait([this](const auto &, int) { context.stop(); });
+    m_signals.async_wait([this](const auto &, int) { m_context.stop(); });
     animateLater();
     endLater();
-    context.run();
-    fmt::print(stderr, "{}", summaryText(controller.counts()));
-    return exitCode;
+    m_context.run();
+    fmt::print(stderr, "{}", summaryText(m_controller.counts()));
+    return m_exitCode;
 }
 
 void Simulator::animateLater()
 {
-    if (!options.animateEvery)
+    if (!m_options.animateEvery)
         return;
-    animationTimer.expires_after(*options.animateEvery);
-    animationTimer.async_wait([this](const auto &) {
-        animation.step();
+    m_animationTimer.expires_after(*m_options.animateEvery);
+    m_animationTimer.async_wait([this](const auto &) {
+        m_animation.step();
         animateLater();
     });
 }
 
 void Simulator::endLater()
 {
-    if (!options.runFor)
+    if (!m_options.runFor)
         return;
-    endTimer.expires_after(*options.runFor);
-    endTimer.async_wait([this](const auto &) { context.stop(); });
+    m_endTimer.expires_after(*m_options.runFor);
+    m_endTimer.async_wait([this](const auto &) { m_context.stop(); });
 }
 
 // Null after a complaint: whatever goes wrong before a link is touched lies in what the user gave.
@@ -149,7 +149,7 @@ int simulate(const Options &options)
 {
     const auto simulator = prepare(options);
     if (!simulator)
-        return exitUsage;
+        return EXIT_USAGE;
     simulator->openLinks();
     return simulator->run();
 }
@@ -165,6 +165,6 @@ int main(int argc, char **argv)
         return simulate(std::get<Options>(options));
     } catch (const std::exception &error) {
         fmt::print(stderr, "vssim: {}\n", error.what());
-        return exitLink;
+        return EXIT_LINK;
     }
 }

@@ -16,7 +16,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-const tools::TcpAddress usualAddress{"127.0.0.1", 8000};
+const tools::TcpAddress USUAL_ADDRESS{"127.0.0.1", 8000};
 
 // The texts as CLI11 collects them, before their meaning is looked at.
 struct Texts {
@@ -94,7 +94,7 @@ void readStations(const std::string &text, std::set<std::uint8_t> &stations)
     const auto isNumber = [](const std::string &digits) {
         return !digits.empty() && digits.size() <= 3 && digits.find_first_not_of("0123456789") == std::string::npos;
     };
-    if (!isNumber(first) || !isNumber(last) || std::stoul(last) >= broadcastStation ||
+    if (!isNumber(first) || !isNumber(last) || std::stoul(last) >= BROADCAST_STATION ||
         std::stoul(first) > std::stoul(last))
         throw std::invalid_argument(fmt::format("\"{}\" is no station (0 to 254) and no range FROM-TO of them", text));
     for (unsigned long station = std::stoul(first); station <= std::stoul(last); ++station)
@@ -114,14 +114,14 @@ void readAnimation(const Texts &texts, Options &options)
 void readTexts(const Texts &texts, Options &options)
 {
     for (const std::string &text : texts.tcp)
-        options.tcp.push_back(tools::parseTcp(text, usualAddress));
+        options.tcp.push_back(tools::parseTcp(text, USUAL_ADDRESS));
     for (const std::string &text : texts.serial)
         options.serial.push_back(tools::parseSerial(text));
     for (const std::string &text : texts.stations)
         readStations(text, options.stations);
     if (options.stations.empty())
         options.stations.insert(1);
-    options.bitWriteMode = texts.bitWrite == "single" ? BitWriteMode::single : BitWriteMode::bytes;
+    options.bitWriteMode = texts.bitWrite == "single" ? BitWriteMode::LoneBit : BitWriteMode::WholeBytes;
     readAnimation(texts, options);
     if (!texts.runFor.empty())
         options.runFor = tools::parseDuration(texts.runFor);
@@ -151,10 +151,10 @@ std::variant<Options, int> parseOptions(int argc, char **argv)
         options.trace = trace->count() > 0;
         readTexts(texts, options);
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? exitOk : exitUsage;
+        return app.exit(error) == 0 ? EXIT_OK : EXIT_USAGE;
     } catch (const std::invalid_argument &error) {
         fmt::print(stderr, "vssim: {}\n", error.what());
-        return exitUsage;
+        return EXIT_USAGE;
     }
     return options;
 }

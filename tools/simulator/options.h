@@ -1,5 +1,6 @@
-// The command line of vssim.
-#pragma once
+/// The command line of vssim.
+#ifndef VSSIM_OPTIONS_H
+#define VSSIM_OPTIONS_H
 
 #include "simulator/controller.h"
 
@@ -15,7 +16,7 @@ struct Options {
     std::vector<tools::SerialSettings> serial;
     bool pty = false;
     std::set<std::uint8_t> stations;
-    BitWriteMode bitWriteMode = BitWriteMode::single;
+    BitWriteMode bitWriteMode = BitWriteMode::LoneBit;
     std::vector<std::string> seedFiles;
     std::vector<std::string> seeds;
     std::optional<std::chrono::milliseconds> animateEvery; ///< none: nothing moves
@@ -26,11 +27,13 @@ struct Options {
     std::optional<std::chrono::milliseconds> runFor;
 };
 
-constexpr int exitOk = 0;
-constexpr int exitLink = 1;
-constexpr int exitUsage = 2;
+constexpr int EXIT_OK = 0;
+constexpr int EXIT_LINK = 1;
+constexpr int EXIT_USAGE = 2;
 
 /// What to do, or the exit code after the help text or a complaint has been printed.
 std::variant<Options, int> parseOptions(int argc, char **argv);
 
 } // namespace vssim
+
+#endif

@@ -1,5 +1,6 @@
-// The seventeen register kinds of the controller: names, numbers, widths and device codes. Holds no values.
-#pragma once
+/// The seventeen register kinds of the controller: names, numbers, widths and device codes. Holds no values.
+#ifndef VSSIM_REGISTER_KINDS_H
+#define VSSIM_REGISTER_KINDS_H
 
 #include <array>
 #include <cstddef>
@@ -10,9 +11,9 @@ namespace vssim {
 
 /// How people write an address of the kind.
 enum class Notation {
-    decimal, ///< D100
-    octal,   ///< X17 is number 15
-    wordBit, ///< D_bit100.5 is number 16 * 100 + 5
+    Decimal, ///< D100
+    Octal,   ///< X17 is number 15
+    WordBit, ///< D_bit100.5 is number 16 * 100 + 5
 };
 
 struct RegisterKind {
@@ -27,10 +28,10 @@ struct RegisterKind {
     std::string_view memory;  ///< the kind that holds the values: its own name, or the word kind of a word.bit kind
 };
 
-constexpr std::size_t registerKindCount = 17;
-constexpr std::uint32_t bitsPerWord = 16;
+constexpr std::size_t REGISTER_KIND_COUNT = 17;
+constexpr std::uint32_t BITS_PER_WORD = 16;
 
-const std::array<RegisterKind, registerKindCount> &registerKinds();
+const std::array<RegisterKind, REGISTER_KIND_COUNT> &registerKinds();
 
 /// Null for a name or code that no kind has. Names are case-sensitive.
 const RegisterKind *findKind(std::string_view name);
@@ -38,6 +39,8 @@ const RegisterKind *findKindOfCode(std::uint8_t deviceCode);
 
 inline bool isBitKind(const RegisterKind &kind) { return kind.valueBits == 1; }
 
-inline bool isWordBitKind(const RegisterKind &kind) { return kind.notation == Notation::wordBit; }
+inline bool isWordBitKind(const RegisterKind &kind) { return kind.notation == Notation::WordBit; }
 
 } // namespace vssim
+
+#endif

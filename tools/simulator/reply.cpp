@@ -6,8 +6,8 @@ namespace vssim {
 
 namespace {
 
-constexpr std::size_t lengthSize = 2;
-constexpr std::size_t statusSize = 1;
+constexpr std::size_t LENGTH_SIZE = 2;
+constexpr std::size_t STATUS_SIZE = 1;
 
 } // namespace
 
@@ -22,7 +22,7 @@ constexpr std::size_t statusSize = 1;
 Bytes encode(const Reply &reply)
 {
     Bytes body{reply.station};
-    appendLittleEndian(body, static_cast<std::uint32_t>(statusSize + reply.data.size()), lengthSize);
+    appendLittleEndian(body, static_cast<std::uint32_t>(STATUS_SIZE + reply.data.size()), LENGTH_SIZE);
     body.push_back(reply.status);
     body.insert(body.end(), reply.data.begin(), reply.data.end());
     return enveloped(body);

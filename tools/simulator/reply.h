@@ -1,5 +1,6 @@
-// What a station answers, and how it stands on the wire.
-#pragma once
+/// What a station answers, and how it stands on the wire.
+#ifndef VSSIM_REPLY_H
+#define VSSIM_REPLY_H
 
 #include "simulator/bytes.h"
 
@@ -15,3 +16,5 @@ struct Reply {
 Bytes encode(const Reply &reply);
 
 } // namespace vssim
+
+#endif

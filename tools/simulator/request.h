@@ -1,5 +1,6 @@
-// What a host asks of a station, decoded from a request frame and checked against the register kinds.
-#pragma once
+/// What a host asks of a station, decoded from a request frame and checked against the register kinds.
+#ifndef VSSIM_REQUEST_H
+#define VSSIM_REQUEST_H
 
 #include "simulator/frameReader.h"
 #include "simulator/registerKinds.h"
@@ -8,25 +9,25 @@
 
 namespace vssim {
 
-constexpr std::uint8_t broadcastStation = 255;
+constexpr std::uint8_t BROADCAST_STATION = 255;
 
 enum class Command : std::uint8_t {
-    readUnits = 0x20,
-    readBits = 0x21,
-    writeUnits = 0x28,
-    writeBits = 0x29,
+    ReadUnits = 0x20,
+    ReadBits = 0x21,
+    WriteUnits = 0x28,
+    WriteBits = 0x29,
 };
 
 /// The status byte of a reply.
 enum class Status : std::uint8_t {
-    ok = 0,
-    unknownKind = 1,   ///< no register kind has the device code
-    wrongChecksum = 2, ///<
-    outOfRange = 3,    ///< the address, or the run of units from it, lies outside the kind
-    wrongCommand = 4,  ///< unknown, or not for this register kind
-    wrongLength = 5,   ///< the length field, the count and the data do not fit each other
-    wrongAddress = 6,  ///< a nibble of the address is no decimal digit
-    faulty = 9,        ///< what the fault "error" answers unless told otherwise
+    Ok = 0,
+    UnknownKind = 1,   ///< no register kind has the device code
+    WrongChecksum = 2, ///<
+    OutOfRange = 3,    ///< the address, or the run of units from it, lies outside the kind
+    WrongCommand = 4,  ///< unknown, or not for this register kind
+    WrongLength = 5,   ///< the length field, the count and the data do not fit each other
+    WrongAddress = 6,  ///< a nibble of the address is no decimal digit
+    Faulty = 9,        ///< what the fault "error" answers unless told otherwise
 };
 
 const char *statusText(Status status);
@@ -53,3 +54,5 @@ using Decoded = std::variant<std::monostate, Request, Refusal>;
 Decoded decode(const Frame &frame);
 
 } // namespace vssim
+
+#endif

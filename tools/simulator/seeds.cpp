@@ -67,8 +67,8 @@ std::vector<std::uint32_t> parseValues(const std::string &text, const RegisterKi
 std::uint8_t parseStation(const std::string &text, const Controller &controller)
 {
     const std::int64_t number = parseNumber(text);
-    const bool known =
-        number >= 0 && number < broadcastStation && controller.stations().count(static_cast<std::uint8_t>(number)) != 0;
+    const bool known = number >= 0 && number < BROADCAST_STATION &&
+                       controller.stations().count(static_cast<std::uint8_t>(number)) != 0;
     if (!known)
         throw std::invalid_argument(fmt::format("\"{}\" is no simulated station", text));
     return static_cast<std::uint8_t>(number);

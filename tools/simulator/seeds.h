@@ -1,5 +1,6 @@
-// Values that the memory starts with, as text: "[STATION:]ADDRESS=VALUE[,VALUE]...".
-#pragma once
+/// Values that the memory starts with, as text: "[STATION:]ADDRESS=VALUE[,VALUE]...".
+#ifndef VSSIM_SEEDS_H
+#define VSSIM_SEEDS_H
 
 #include "simulator/controller.h"
 
@@ -14,3 +15,5 @@ void seed(Controller &controller, const std::string &text);
 void seedFromFile(Controller &controller, const std::string &fileName);
 
 } // namespace vssim
+
+#endif

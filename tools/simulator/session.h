@@ -1,5 +1,6 @@
-// One open link: bytes in, requests to the controller, answers out. The only place where links and delays are awaited.
-#pragma once
+/// One open link: bytes in, requests to the controller, answers out. The only place where links and delays are awaited.
+#ifndef VSSIM_SESSION_H
+#define VSSIM_SESSION_H
 
 #include "simulator/controller.h"
 #include "simulator/trace.h"
@@ -29,8 +30,8 @@ public:
     using Ended = std::function<void(const asio::error_code &)>;
 
     Session(Stream &&opened, const Served &all, std::string linkName, Ended whenEnded = {})
-        : stream(std::move(opened)), timer(stream.get_executor()), served(all), name(std::move(linkName)),
-          ended(std::move(whenEnded))
+        : m_stream(std::move(opened)), m_timer(m_stream.get_executor()), m_served(all), m_name(std::move(linkName)),
+          m_ended(std::move(whenEnded))
     {
     }
 
@@ -39,36 +40,36 @@ public:
     /// Ends the session; `whenEnded` is not called.
     void close()
     {
-        ended = {};
+        m_ended = {};
         end({});
     }
 
 private:
     void read()
     {
-        stream.async_read_some(asio::buffer(chunk), [self = this->shared_from_this()](const auto &error, auto size) {
-            self->received(error, size);
-        });
+        m_stream.async_read_some(
+            asio::buffer(m_chunk),
+            [self = this->shared_from_this()](const auto &error, auto size) { self->received(error, size); });
     }
 
     void received(const asio::error_code &error, std::size_t size)
     {
         if (error)
             return end(error);
-        const Bytes bytes(chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(size));
-        served.trace.write(Direction::received, name, bytes);
-        for (const Frame &frame : reader.feed(bytes))
-            if (auto answer = served.controller.answer(frame))
-                answers.push_back(std::move(*answer));
+        const Bytes bytes(m_chunk.begin(), m_chunk.begin() + static_cast<std::ptrdiff_t>(size));
+        m_served.trace.write(Direction::Received, m_name, bytes);
+        for (const Frame &frame : m_reader.feed(bytes))
+            if (auto answer = m_served.controller.answer(frame))
+                m_answers.push_back(std::move(*answer));
         proceed();
     }
 
     void proceed()
     {
-        if (answers.empty())
+        if (m_answers.empty())
             return read();
-        timer.expires_after(answers.front().delay);
-        timer.async_wait([self = this->shared_from_this()](const auto &error) {
+        m_timer.expires_after(m_answers.front().delay);
+        m_timer.async_wait([self = this->shared_from_this()](const auto &error) {
             if (!error)
                 self->send();
         });
@@ -76,12 +77,12 @@ private:
 
     void send()
     {
-        served.trace.write(Direction::sent, name, answers.front().bytes);
-        asio::async_write(stream, asio::buffer(answers.front().bytes),
+        m_served.trace.write(Direction::Sent, m_name, m_answers.front().bytes);
+        asio::async_write(m_stream, asio::buffer(m_answers.front().bytes),
                           [self = this->shared_from_this()](const auto &error, auto) {
                               if (error)
                                   return self->end(error);
-                              self->answers.pop_front();
+                              self->m_answers.pop_front();
                               self->proceed();
                           });
     }
@@ -89,20 +90,22 @@ private:
     void end(const asio::error_code &error)
     {
         asio::error_code ignored;
-        stream.close(ignored);
-        timer.cancel();
-        if (const Ended call = std::exchange(ended, {}))
+        m_stream.close(ignored);
+        m_timer.cancel();
+        if (const Ended call = std::exchange(m_ended, {}))
             call(error);
     }
 
-    Stream stream;
-    asio::steady_timer timer;
-    Served served;
-    const std::string name;
-    Ended ended;
-    std::array<std::uint8_t, 512> chunk{};
-    FrameReader reader;
-    std::deque<Answer> answers; ///< the front one is on its way
+    Stream m_stream;
+    asio::steady_timer m_timer;
+    Served m_served;
+    const std::string m_name;
+    Ended m_ended;
+    std::array<std::uint8_t, 512> m_chunk{};
+    FrameReader m_reader;
+    std::deque<Answer> m_answers; ///< the front one is on its way
 };
 
 } // namespace vssim
+
+#endif

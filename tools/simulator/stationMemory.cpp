@@ -20,17 +20,17 @@ std::uint32_t lowBits(std::uint32_t value, unsigned bits) { return bits >= 32 ? 
 // The word kinds with a bit view begin at 0, so a word's number is its index too.
 std::size_t cellIndex(const RegisterKind &kind, std::uint32_t number)
 {
-    return isWordBitKind(kind) ? number / bitsPerWord : number - kind.lowest;
+    return isWordBitKind(kind) ? number / BITS_PER_WORD : number - kind.lowest;
 }
 
 } // namespace
 
 StationMemory::StationMemory()
 {
-    for (std::size_t i = 0; i < registerKindCount; ++i) {
+    for (std::size_t i = 0; i < REGISTER_KIND_COUNT; ++i) {
         const RegisterKind &kind = registerKinds()[i];
         if (kind.memory == kind.name)
-            cells[i].resize(kind.highest - kind.lowest + 1);
+            m_cells[i].resize(kind.highest - kind.lowest + 1);
     }
 }
 
@@ -39,7 +39,7 @@ std::optional<std::uint32_t> StationMemory::read(const RegisterKind &kind, std::
     if (!isInRange(kind, number))
         return std::nullopt;
     const std::uint32_t cell = cellsOf(kind)[cellIndex(kind, number)];
-    return isWordBitKind(kind) ? (cell >> (number % bitsPerWord)) & 1U : cell;
+    return isWordBitKind(kind) ? (cell >> (number % BITS_PER_WORD)) & 1U : cell;
 }
 
 bool StationMemory::write(const RegisterKind &kind, std::uint32_t number, std::uint32_t value)
@@ -52,16 +52,16 @@ bool StationMemory::write(const RegisterKind &kind, std::uint32_t number, std::u
         cell = kept;
         return true;
     }
-    const std::uint32_t shift = number % bitsPerWord;
+    const std::uint32_t shift = number % BITS_PER_WORD;
     cell = (cell & ~(1U << shift)) | (kept << shift);
     return true;
 }
 
-std::vector<std::uint32_t> &StationMemory::cellsOf(const RegisterKind &kind) { return cells[indexOfMemory(kind)]; }
+std::vector<std::uint32_t> &StationMemory::cellsOf(const RegisterKind &kind) { return m_cells[indexOfMemory(kind)]; }
 
 const std::vector<std::uint32_t> &StationMemory::cellsOf(const RegisterKind &kind) const
 {
-    return cells[indexOfMemory(kind)];
+    return m_cells[indexOfMemory(kind)];
 }
 
 } // namespace vssim

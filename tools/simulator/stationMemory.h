@@ -1,5 +1,6 @@
-// The memory of one station: a value for every number of every kind. Knows no frames.
-#pragma once
+/// The memory of one station: a value for every number of every kind. Knows no frames.
+#ifndef VSSIM_STATION_MEMORY_H
+#define VSSIM_STATION_MEMORY_H
 
 #include "simulator/registerKinds.h"
 
@@ -23,7 +24,9 @@ private:
     std::vector<std::uint32_t> &cellsOf(const RegisterKind &kind);
     const std::vector<std::uint32_t> &cellsOf(const RegisterKind &kind) const;
 
-    std::array<std::vector<std::uint32_t>, registerKindCount> cells; ///< in the order of registerKinds()
+    std::array<std::vector<std::uint32_t>, REGISTER_KIND_COUNT> m_cells; ///< in the order of registerKinds()
 };
 
 } // namespace vssim
+
+#endif

@@ -11,7 +11,7 @@ using asio::ip::tcp;
 
 namespace {
 
-constexpr std::chrono::milliseconds pauseAfterFailure{100}; // out of descriptors, for one: no use in trying at once
+constexpr std::chrono::milliseconds PAUSE_AFTER_FAILURE{100}; // out of descriptors, for one: no use in trying at once
 
 tcp::endpoint resolve(asio::io_context &context, const tools::TcpAddress &address)
 {
@@ -33,14 +33,14 @@ std::string clientName(const tcp::socket &client)
 } // namespace
 
 TcpServer::TcpServer(asio::io_context &context, const tools::TcpAddress &address, const Served &all)
-    : acceptor(context), pause(context), served(all)
+    : m_acceptor(context), m_pause(context), m_served(all)
 {
     const tcp::endpoint endpoint = resolve(context, address);
     try {
-        acceptor.open(endpoint.protocol());
-        acceptor.set_option(tcp::acceptor::reuse_address(true));
-        acceptor.bind(endpoint);
-        acceptor.listen();
+        m_acceptor.open(endpoint.protocol());
+        m_acceptor.set_option(tcp::acceptor::reuse_address(true));
+        m_acceptor.bind(endpoint);
+        m_acceptor.listen();
     } catch (const std::system_error &error) {
         throw std::system_error(error.code(), fmt::format("cannot listen on {}", tools::tcpText(address)));
     }
@@ -51,27 +51,28 @@ TcpServer::~TcpServer() { closeSessions(); }
 
 tools::TcpAddress TcpServer::address() const
 {
-    const tcp::endpoint local = acceptor.local_endpoint();
+    const tcp::endpoint local = m_acceptor.local_endpoint();
     return {local.address().to_string(), local.port()};
 }
 
 void TcpServer::dropClients()
 {
-    asio::post(acceptor.get_executor(), [this] { closeSessions(); });
+    asio::post(
+        m_acceptor.get_executor(), [this] { closeSessions(); });
 }
 
 // The handlers touch the server only if they were not aborted: the server may be gone then.
 void TcpServer::accept()
 {
-    acceptor.async_accept([this](const asio::error_code &error, tcp::socket client) {
+    m_acceptor.async_accept([this](const asio::error_code &error, tcp::socket client) {
         if (error == asio::error::operation_aborted)
             return;
         if (!error) {
             serve(std::move(client));
             return accept();
         }
-        pause.expires_after(pauseAfterFailure);
-        pause.async_wait([this](const asio::error_code &aborted) {
+        m_pause.expires_after(PAUSE_AFTER_FAILURE);
+        m_pause.async_wait([this](const asio::error_code &aborted) {
             if (!aborted)
                 accept();
         });
@@ -81,21 +82,21 @@ void TcpServer::accept()
 void TcpServer::serve(tcp::socket &&client)
 {
     const auto isOver = [](const std::weak_ptr<TcpSession> &session) { return session.expired(); };
-    sessions.erase(std::remove_if(sessions.begin(), sessions.end(), isOver), sessions.end());
+    m_sessions.erase(std::remove_if(m_sessions.begin(), m_sessions.end(), isOver), m_sessions.end());
     asio::error_code ignored;
     client.set_option(tcp::no_delay(true), ignored);
     const std::string name = clientName(client);
-    const auto session = std::make_shared<TcpSession>(std::move(client), served, name);
-    sessions.push_back(session);
+    const auto session = std::make_shared<TcpSession>(std::move(client), m_served, name);
+    m_sessions.push_back(session);
     session->start();
 }
 
 void TcpServer::closeSessions()
 {
-    for (const auto &weak : sessions)
+    for (const auto &weak : m_sessions)
         if (const auto session = weak.lock())
             session->close();
-    sessions.clear();
+    m_sessions.clear();
 }
 
 } // namespace vssim

@@ -1,5 +1,6 @@
-// The controller on TCP: any number of clients, one after the other or at once.
-#pragma once
+/// The controller on TCP: any number of clients, one after the other or at once.
+#ifndef VSSIM_TCP_SERVER_H
+#define VSSIM_TCP_SERVER_H
 
 #include "simulator/session.h"
 
@@ -31,10 +32,12 @@ private:
     void serve(asio::ip::tcp::socket &&client);
     void closeSessions();
 
-    asio::ip::tcp::acceptor acceptor;
-    asio::steady_timer pause;
-    Served served;
-    std::vector<std::weak_ptr<TcpSession>> sessions; ///< those that ended are forgotten when the next client comes
+    asio::ip::tcp::acceptor m_acceptor;
+    asio::steady_timer m_pause;
+    Served m_served;
+    std::vector<std::weak_ptr<TcpSession>> m_sessions; ///< those that ended are forgotten when the next client comes
 };
 
 } // namespace vssim
+
+#endif

@@ -22,7 +22,7 @@ std::string traceLine(std::chrono::system_clock::time_point time, Direction dire
     const auto seconds = time_point_cast<std::chrono::seconds>(time);
     const auto fraction = duration_cast<microseconds>(time - seconds).count();
     return fmt::format("{:%F %T}.{:06} {} {}  {}", fmt::gmtime(system_clock::to_time_t(seconds)), fraction,
-                       direction == Direction::received ? '>' : '<', link, tools::hexText(bytes.data(), bytes.size()));
+                       direction == Direction::Received ? '>' : '<', link, tools::hexText(bytes.data(), bytes.size()));
 }
 
 Trace Trace::toStandardError() { return {stderr, leaveOpen}; }
@@ -37,11 +37,11 @@ Trace Trace::toFile(const std::string &fileName)
 
 void Trace::write(Direction direction, const std::string &link, const Bytes &bytes)
 {
-    if (!stream)
+    if (!m_stream)
         return;
     const std::string line = traceLine(std::chrono::system_clock::now(), direction, link, bytes) + '\n';
-    std::fputs(line.c_str(), stream.get());
-    std::fflush(stream.get());
+    std::fputs(line.c_str(), m_stream.get());
+    std::fflush(m_stream.get());
 }
 
 } // namespace vssim

@@ -1,5 +1,6 @@
-// The hex trace: what came in and went out, when, and on which link.
-#pragma once
+/// The hex trace: what came in and went out, when, and on which link.
+#ifndef VSSIM_TRACE_H
+#define VSSIM_TRACE_H
 
 #include "simulator/bytes.h"
 
@@ -10,7 +11,7 @@
 
 namespace vssim {
 
-enum class Direction { received, sent };
+enum class Direction { Received, Sent };
 
 /// "2024-05-06 07:08:09.123456 > 127.0.0.1:40000  10 02 01"; ">" came in, "<" went out. The time is UTC.
 std::string traceLine(std::chrono::system_clock::time_point time, Direction direction, const std::string &link,
@@ -30,9 +31,11 @@ public:
 
 private:
     using Closer = int (*)(std::FILE *);
-    Trace(std::FILE *file, Closer closer) : stream(file, closer) {}
+    Trace(std::FILE *file, Closer closer) : m_stream(file, closer) {}
 
-    std::unique_ptr<std::FILE, Closer> stream{nullptr, nullptr};
+    std::unique_ptr<std::FILE, Closer> m_stream{nullptr, nullptr};
 };
 
 } // namespace vssim
+
+#endif

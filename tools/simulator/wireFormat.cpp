@@ -18,14 +18,14 @@ Checksum checksumOf(const Bytes &body)
 
 Bytes enveloped(const Bytes &body)
 {
-    Bytes wire{dle, stx};
+    Bytes wire{DLE, STX};
     for (const std::uint8_t byte : body) {
         wire.push_back(byte);
-        if (byte == dle)
-            wire.push_back(dle);
+        if (byte == DLE)
+            wire.push_back(DLE);
     }
     const Checksum checksum = checksumOf(body);
-    wire.insert(wire.end(), {dle, etx, checksum[0], checksum[1]});
+    wire.insert(wire.end(), {DLE, ETX, checksum[0], checksum[1]});
     return wire;
 }
 

@@ -56,10 +56,9 @@ void reportBits(const UnitRun &units, int unit, quint32 bits, int bitsPerUnit)
 {
     const QString name = units.keyName + QString::fromLatin1("_bit");
     const int firstBit = wrappingProduct(unit, bitsPerUnit);
-    for (int bit = 0; bit < bitsPerUnit; ++bit) {
+    for (int bit = 0; bit < bitsPerUnit; ++bit)
         if ((bits >> bit & 1U) != 0)
             reportAddress(units, name, wrappingSum(firstBit, bit));
-    }
 }
 
 /// Reports the values of several units of which this is one.

@@ -278,10 +278,9 @@ void show(UnitRun run, quint8 *values)
 void awaitBits(UnitRun run)
 {
     const QMutexLocker lock(&driver.dataAreaMutex);
-    for (; run.done < run.count; ++run.done) {
+    for (; run.done < run.count; ++run.done)
         if (isLastOfUnit(run, run.done))
             ++find(run, run.done).bitRequests;
-    }
 }
 
 bool mirror(UnitRun &run, const quint8 *values, bool hasTwin, UnitChange &change)

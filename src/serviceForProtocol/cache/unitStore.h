@@ -17,8 +17,8 @@
 
 /// Units of one shape that follow each other, or single bits of them, and how far a verb has come on them.
 struct UnitRun {
-    /// @param count units; bits where the shape has bits.
-    UnitRun(const ValueShape &shape, int station, const QString &keyName, int address, int count);
+    /// @param number of units; of bits where the shape has bits.
+    UnitRun(const ValueShape &shapeOfRun, int stationOfRun, const QString &name, int firstAddress, int number);
 
     ValueShape shape;
     int station;

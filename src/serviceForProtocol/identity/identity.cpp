@@ -8,6 +8,7 @@
 
 #include <tanek_vs/driver.h>
 
+#include <QtCore/QChar>
 #include <QtCore/QMutex>
 #include <QtCore/QString>
 #include <QtCore/QStringList>

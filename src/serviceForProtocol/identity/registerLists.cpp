@@ -24,10 +24,9 @@ const Code ACCESS_CODES[] = {{"R", "0"}, {"RW", "1"}, {"W", "2"}};
 
 template <std::size_t size> QString codeOf(const QString &columnText, const Code (&codes)[size])
 {
-    for (const Code &entry : codes) {
+    for (const Code &entry : codes)
         if (columnText == QString::fromLatin1(entry.columnText))
             return QString::fromLatin1(entry.code);
-    }
     return QString::fromLatin1("1");
 }
 
@@ -35,10 +34,9 @@ template <std::size_t size> QString codeOf(const QString &columnText, const Code
 
 int intf_getRegListByType(int type, QStringList &names)
 {
-    for (const RegisterKind &kind : REGISTER_KINDS) {
+    for (const RegisterKind &kind : REGISTER_KINDS)
         if (kind.holdsBits() == (type == TYPE_BITS))
             names.append(kind.name);
-    }
     return type == TYPE_BITS || type == TYPE_WORDS ? 1 : 0;
 }
 

@@ -124,10 +124,9 @@ private:
 std::vector<Block> bridgeGaps(const std::vector<Block> &blocks, int mergeGap)
 {
     std::vector<Block> bridged;
-    for (const Block &block : blocks) {
+    for (const Block &block : blocks)
         if (bridged.empty() || !join(bridged.back(), block.run, mergeGap))
             bridged.push_back(block);
-    }
     return bridged;
 }
 

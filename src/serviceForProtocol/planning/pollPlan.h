@@ -46,6 +46,7 @@ template <typename Records> Records sortedByWeight(const Records &records)
 {
     typedef std::pair<quint32, int> WeightAndPlace;
     std::vector<WeightAndPlace> order;
+    order.reserve(static_cast<std::size_t>(records.size()));
     int place = 0;
     for (const auto &record : records)
         order.push_back(WeightAndPlace(getRegAddressWeight(record.station, record.regName, record.address), place++));

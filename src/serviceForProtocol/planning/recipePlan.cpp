@@ -19,10 +19,9 @@ const int COUNT_OF_NO_REQUEST = -2;
 QVector<_RCP_VAR_PRO> itemsOfThisInstance(const QVector<_RCP_VAR_PRO> &items)
 {
     QVector<_RCP_VAR_PRO> own;
-    for (const _RCP_VAR_PRO &item : items) {
+    for (const _RCP_VAR_PRO &item : items)
         if (item.instanceId == driver.instanceId)
             own.append(item);
-    }
     return sortedByWeight(own);
 }
 
@@ -54,6 +53,7 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items)
     driver.recipeBlockFirstItem.clear();
     driver.recipePlanReplaced = true;
     std::vector<PlannedRun> keys;
+    keys.reserve(static_cast<std::size_t>(driver.recipeItems.size()));
     for (int i = 0; i < driver.recipeItems.size(); ++i)
         keys.push_back(keyOf(driver.recipeItems.at(i)));
     addrMerge(keys, MergeRecipe);
