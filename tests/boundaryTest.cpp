@@ -92,27 +92,27 @@ protected:
 TEST_F(Session, runsFromThePollListToARecipe)
 {
     host.configures(2, 16);
-    EXPECT_EQ(host.polls({key("D", 100, 2), key("M", 0, 3)}), 2);
+    EXPECT_EQ(host.polls("D 100 2, M 0 3"), 2);
     EXPECT_EQ(exchanges({}, 8), "01 07 00 20 a0 00 01 00 02 00");
     EXPECT_EQ(host.description(), "1#D100(2)");
     EXPECT_EQ(exchanges(reply(words({0x0110, 5}))), "01 07 00 20 a0 00 01 00 02 00");
-    EXPECT_EQ(host.reports(), (Reports{"D 100 @1", "D 101 @1"}));
+    EXPECT_EQ(host.reports(), "D 100, D 101");
     EXPECT_EQ(host.word(100), 0x0110);
     EXPECT_EQ(exchanges(reply({0x05})), "01 07 00 21 92 00 00 00 03 00");
-    EXPECT_EQ(host.reports(), (Reports{"M 0 @1", "M 2 @1"}));
+    EXPECT_EQ(host.reports(), "M 0, M 2");
 
     host.writes("D", 100, 1, words({7}));
     EXPECT_EQ(host.word(100), 7);
-    EXPECT_EQ(host.reports(), Reports{"D 100 @1"});
+    EXPECT_EQ(host.reports(), "D 100");
     EXPECT_EQ(exchanges(refusal(2), 8), "01 09 00 28 a0 00 01 00 01 00 07 00");
     EXPECT_EQ(host.description(), "1#D100(1),error code:2");
     EXPECT_EQ(exchanges(refusal(2), 2), "01 09 00 28 a0 00 01 00 01 00 07 00");
     EXPECT_EQ(host.word(100), 0x0110);
-    EXPECT_EQ(host.reports(), Reports{"D 100 @1"});
+    EXPECT_EQ(host.reports(), "D 100");
 
     host.asksForCondition(key("D_bit", 1605, 1));
     EXPECT_EQ(exchanges(reply(words({0x20}))), "01 07 00 20 a0 00 01 00 01 00");
-    EXPECT_EQ(host.reports(), (Reports{"D 100 @1", "-1 0 @-1 of -1"}));
+    EXPECT_EQ(host.reports(), "D 100, condition 0");
 
     EXPECT_EQ(host.plansRecipe({recipeItem("R", 0, 1, 0), recipeItem("R", 1, 1, 1)}), 2);
     host.recipeBuffer[1] = 0x0302;
@@ -123,7 +123,7 @@ TEST_F(Session, runsFromThePollListToARecipe)
     EXPECT_EQ(exchanges(reply(words({8, 9}))), "01 07 00 20 a2 00 00 00 02 00");
     EXPECT_EQ(host.recipeBuffer[1], 9);
     EXPECT_FALSE(host.isAsked(UPLOAD_BYTE));
-    EXPECT_EQ(host.reports(), (Reports{"RWI 0 @-1 of 0", "RWI 1 @-1 of 0"}));
+    EXPECT_EQ(host.reports(), "RWI 0, RWI 1");
 }
 
 TEST_F(Session, servesTheHostsEditor)

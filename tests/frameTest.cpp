@@ -219,7 +219,7 @@ protected:
     int receivesForRead(const Bytes &answer)
     {
         configures(1, 16);
-        polls({key("D", 100, 2)});
+        polls("D 100 2");
         sends();
         return receives(answer);
     }
@@ -254,7 +254,7 @@ TEST_F(ReplyTest, isRefusedWhenDamagedAndTheCacheStays)
         SCOPED_TRACE(row.what);
         EXPECT_EQ(receivesForRead(row.answer), row.result);
         EXPECT_EQ(word(100), row.result == 1 ? 0x1234 : 0);
-        EXPECT_EQ(reports(), row.result == 1 ? (Reports{"D 100 @1", "D 101 @1"}) : Reports{});
+        EXPECT_EQ(reports(), row.result == 1 ? ("D 100, D 101") : "");
     }
 }
 
@@ -299,7 +299,7 @@ TEST_F(ReplyTest, toNothingIsIgnored)
 
 TEST_F(ReplyTest, isLeftUndoubledInTheHostsArray)
 {
-    polls({key("D", 0, 1)});
+    polls("D 0 1");
     sends();
     QByteArray answer = arrayOf(reply(words({0x1010})));
     QString text;
@@ -367,7 +367,7 @@ TEST_F(ReplyTest, withTwoBitsFlippedPassesWhereTheirSumsCancelOut)
 {
     const Bytes good = reply(words({0x3535, 0x3510, 0x3535, 0x3535, 0x3535, 0x3535}));
     configures(1000000, 16);
-    polls({key("D", 100, 6)});
+    polls("D 100 6");
     int pairs = 0;
     int passed = 0;
     for (const std::size_t one : judgedBits(good)) {

@@ -55,7 +55,7 @@ TEST_F(IdentityTest, takesFiveNumbersFromThePropertyText)
 TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest)
 {
     plansRecipe({recipeItem("D", 1, 1, 0), recipeItem("D", 3, 1, 1)});
-    polls({key("D", 0, 10)});
+    polls("D 0 10");
     asksForCondition(key("D", 50, 1));
     writes("D", 0, 1, words({5}));
     writes("D", 9, 1, words({5}));
@@ -75,9 +75,9 @@ TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest)
     EXPECT_NE(driver.valueChangeCallback, nullptr);
     EXPECT_EQ(driver.recipeIndex, 1);
     EXPECT_EQ(plain(driver.propertyPageText), "1_1");
-    EXPECT_EQ(texts(driver.recipeBlocks), (std::vector<std::string>{"D 1 1 @1", "D 3 1 @1"}));
-    EXPECT_EQ(text(driver.lastConditionRead), "D 50 1 @1");
-    EXPECT_EQ(text(driver.currentVariable), "D 0 1 @1");
+    EXPECT_EQ(texts(driver.recipeBlocks), "D 1 1, D 3 1");
+    EXPECT_EQ(text(driver.lastConditionRead), "D 50 1");
+    EXPECT_EQ(text(driver.currentVariable), "D 0 1");
     EXPECT_EQ(word(0), 0);
 }
 
@@ -86,14 +86,14 @@ TEST_F(IdentityTest, worksWithoutTheHostsObjectsAndCallback)
     intf_setAddrValueChangeCallBack(nullptr);
     intf_initProperty(nullptr, nullptr, nullptr, nullptr, "3#0#0#1#16", nullptr);
     plansRecipe({recipeItem("D", 0, 1, 0)});
-    polls({key("D", 0, 1)});
-    EXPECT_EQ(exchanges(reply(words({7}))), "read D 0 1 @1");
+    polls("D 0 1");
+    EXPECT_EQ(exchanges(reply(words({7}))), "read D 0 1");
     EXPECT_EQ(word(0), 7);
 }
 
 TEST_F(IdentityTest, argumentsThatAreNullChangeNothing)
 {
-    polls({key("D", 0, 1)});
+    polls("D 0 1");
     plansRecipe({recipeItem("D", 0, 1, 0), recipeItem("D", 5, 1, 1)});
     const int units = static_cast<int>(driver.dataAreas.size());
     intf_getProtocolType(nullptr);

@@ -5,7 +5,6 @@
 namespace {
 
 using TransactionTest = DriverTest;
-using Sent = std::vector<std::string>;
 
 TEST_F(TransactionTest, isNoneWhenThereIsNothingToDo)
 {
@@ -19,18 +18,12 @@ TEST_F(TransactionTest, isNoneWhenThereIsNothingToDo)
 
 TEST_F(TransactionTest, readsABlockAfterTenWrites)
 {
-    polls({key("R", 0, 1)});
+    polls("R 0 1");
     for (int i = 0; i < 12; ++i)
         writes("D", i, 1, words({i}));
-    Sent expected;
-    for (int i = 0; i < 12; ++i) {
-        if (i == 10)
-            expected.push_back("read R 0 1 @1");
-        expected.push_back("write D " + std::to_string(i) + " 1 @1");
-    }
-    expected.push_back("read R 0 1 @1");
-    expected.push_back("read R 0 1 @1");
-    EXPECT_EQ(exchangesWell(15), expected);
+    EXPECT_EQ(exchangesWell(15), "write D 0 1, write D 1 1, write D 2 1, write D 3 1, write D 4 1, write D 5 1, "
+                                 "write D 6 1, write D 7 1, write D 8 1, write D 9 1, read R 0 1, "
+                                 "write D 10 1, write D 11 1, read R 0 1, read R 0 1");
 }
 
 TEST_F(TransactionTest, burstWithoutBlocksEndsInOneCallWithNothing)
@@ -39,39 +32,37 @@ TEST_F(TransactionTest, burstWithoutBlocksEndsInOneCallWithNothing)
         writes("D", i, 1, words({i}));
     exchangesWell(10);
     EXPECT_EQ(sends(), "nothing");
-    EXPECT_EQ(sends(), "write D 10 1 @1");
+    EXPECT_EQ(sends(), "write D 10 1");
 }
 
 TEST_F(TransactionTest, conditionReadsFillABurstOfThree)
 {
-    polls({key("R", 0, 1)});
+    polls("R 0 1");
     for (int i = 0; i < 5; ++i)
         asksForCondition(key("D", i, 1));
-    EXPECT_EQ(exchangesWell(7), (Sent{"read D 0 1 @1", "read D 1 1 @1", "read D 2 1 @1", "read R 0 1 @1",
-                                      "read D 3 1 @1", "read D 4 1 @1", "read R 0 1 @1"}));
+    EXPECT_EQ(exchangesWell(7), "read D 0 1, read D 1 1, read D 2 1, read R 0 1, read D 3 1, read D 4 1, read R 0 1");
     asksForCondition(key("D", 0, 1));
     for (int i = 10; i < 13; ++i)
         writes("D", i, 1, words({i}));
-    EXPECT_EQ(exchangesWell(5),
-              (Sent{"write D 10 1 @1", "write D 11 1 @1", "write D 12 1 @1", "read R 0 1 @1", "read D 0 1 @1"}));
+    EXPECT_EQ(exchangesWell(5), "write D 10 1, write D 11 1, write D 12 1, read R 0 1, read D 0 1");
 }
 
 TEST_F(TransactionTest, blocksAreReadInTurn)
 {
-    EXPECT_EQ(polls({key("D", 0, 1), key("D", 100, 1), key("D", 200, 1)}), 3);
-    EXPECT_EQ(exchangesWell(4), (Sent{"read D 0 1 @1", "read D 100 1 @1", "read D 200 1 @1", "read D 0 1 @1"}));
+    EXPECT_EQ(polls("D 0 1, D 100 1, D 200 1"), 3);
+    EXPECT_EQ(exchangesWell(4), "read D 0 1, read D 100 1, read D 200 1, read D 0 1");
     // A block that is in flight while the list is replaced counts as the first of the new list.
     sends();
-    polls({key("D", 7, 1), key("D", 107, 1)});
+    polls("D 7 1, D 107 1");
     EXPECT_EQ(receives(reply(words({1}))), 1);
-    EXPECT_EQ(exchangesWell(2), (Sent{"read D 107 1 @1", "read D 7 1 @1"}));
-    EXPECT_EQ(polls({key("D", 0, 1)}), 1);
-    EXPECT_EQ(exchangesWell(2), (Sent{"read D 0 1 @1", "read D 0 1 @1"}));
+    EXPECT_EQ(exchangesWell(2), "read D 107 1, read D 7 1");
+    EXPECT_EQ(polls("D 0 1"), 1);
+    EXPECT_EQ(exchangesWell(2), "read D 0 1, read D 0 1");
 }
 
 TEST_F(TransactionTest, frameIsResentUntilTheRetryLimit)
 {
-    polls({key("D", 0, 1), key("D", 100, 1)});
+    polls("D 0 1, D 100 1");
     driver.lastTransactionFailed = 1;
     for (int limit : {3, 2, 1, 0, -1}) {
         SCOPED_TRACE(limit);
@@ -86,14 +77,14 @@ TEST_F(TransactionTest, frameIsResentUntilTheRetryLimit)
         EXPECT_EQ(receives({}), 2);
         EXPECT_EQ(driver.lastTransactionFailed, 1);
         EXPECT_EQ(driver.retryCount, 0);
-        EXPECT_NE(exchangesWell(1).front(), first) << "one silent station does not stop the others";
+        EXPECT_NE(exchangesWell(1), first) << "one silent station does not stop the others";
         EXPECT_EQ(driver.lastTransactionFailed, 0);
     }
 }
 
 TEST_F(TransactionTest, retriesAreCountedForEachFrameAnew)
 {
-    polls({key("D", 0, 1)});
+    polls("D 0 1");
     for (int i = 0; i < 3; ++i) {
         sends();
         EXPECT_EQ(receives({}), 8);
@@ -107,12 +98,12 @@ TEST_F(TransactionTest, givenUpWriteLeavesTheQueueAndTheNextGoesOn)
     configures(2, 16);
     writes("D", 0, 2, words({1, 2}));
     writes("D", 5, 1, words({3}));
-    EXPECT_EQ(exchanges(refusal(4)), "write D 0 2 @1");
-    EXPECT_EQ(exchanges(refusal(4)), "write D 0 2 @1");
+    EXPECT_EQ(exchanges(refusal(4)), "write D 0 2");
+    EXPECT_EQ(exchanges(refusal(4)), "write D 0 2");
     EXPECT_EQ(description(), "1#D0(2),error code:4");
     EXPECT_EQ(reads("D", 0, 2), words({0, 0}));
     EXPECT_EQ(word(5), 3);
-    EXPECT_EQ(exchanges(acknowledgement()), "write D 5 1 @1");
+    EXPECT_EQ(exchanges(acknowledgement()), "write D 5 1");
     EXPECT_TRUE(driver.writeQueue.isEmpty());
 }
 
@@ -129,12 +120,12 @@ TEST_F(TransactionTest, writeThatFitsNoFrameFailsAtOnceAndTheNextGoesOn)
     EXPECT_EQ(driver.lastTransactionFailed, 1);
     EXPECT_EQ(sends(), "nothing") << "doubling makes it too long";
     EXPECT_EQ(driver.burstCount, 2);
-    EXPECT_EQ(exchangesWell(1), Sent{"write D 1500 1 @1"});
+    EXPECT_EQ(exchangesWell(1), "write D 1500 1");
 }
 
 TEST_F(TransactionTest, blockForAllStationsHoldsTheRotation)
 {
-    polls({key("D", 0, 1, 255), key("D", 0, 1, 256)});
+    polls("D 0 1 @255, D 0 1 @256");
     EXPECT_EQ(sends(), "nothing");
     EXPECT_EQ(sends(), "nothing");
     writes("D", 0, 1, words({1}), 255);
@@ -146,38 +137,38 @@ TEST_F(TransactionTest, blockForAllStationsHoldsTheRotation)
 
 TEST_F(TransactionTest, requestForNoUnitsIsSentAndAcknowledged)
 {
-    polls({key("32C", 200, 1), key("D", 0, 1)});
-    EXPECT_EQ(exchangesWell(2), (Sent{"read 32C 200 0 @1", "read D 0 1 @1"}));
+    polls("32C 200 1, D 0 1");
+    EXPECT_EQ(exchangesWell(2), "read 32C 200 0, read D 0 1");
     EXPECT_EQ(driver.lastTransactionFailed, 0);
 }
 
 TEST_F(TransactionTest, bringsValuesOfEveryUnitWidthToTheCache)
 {
-    polls({key("M", 0, 20), key("D", 0, 2), key("32C", 200, 4)});
-    EXPECT_EQ(exchanges(reply(hex("04 03 02 81 ff 00 00 00"))), "read 32C 200 2 @1");
-    EXPECT_EQ(reports(), (Reports{"32C 200 @1", "32C 201 @1"}));
+    polls("M 0 20, D 0 2, 32C 200 4");
+    EXPECT_EQ(exchanges(reply(hex("04 03 02 81 ff 00 00 00"))), "read 32C 200 2");
+    EXPECT_EQ(reports(), "32C 200, 32C 201");
     EXPECT_EQ(reads("32C", 200, 4), hex("04 03 02 81 ff 00 00 00"));
-    EXPECT_EQ(exchanges(reply(hex("34 12 10 10"))), "read D 0 2 @1");
+    EXPECT_EQ(exchanges(reply(hex("34 12 10 10"))), "read D 0 2");
     EXPECT_EQ(reads("D", 0, 2), hex("34 12 10 10"));
-    EXPECT_EQ(exchanges(reply(hex("01 80 08"))), "read M 0 20 @1");
-    EXPECT_EQ(reports(), (Reports{"D 0 @1", "D 1 @1", "M 0 @1", "M 15 @1", "M 19 @1"}));
+    EXPECT_EQ(exchanges(reply(hex("01 80 08"))), "read M 0 20");
+    EXPECT_EQ(reports(), "D 0, D 1, M 0, M 15, M 19");
     exchangesWell(2);
-    EXPECT_EQ(exchanges(reply(hex("01 80 08"))), "read M 0 20 @1");
-    EXPECT_EQ(reports(), (Reports{"32C 200 @1", "32C 201 @1", "D 0 @1", "D 1 @1"})) << "M is unchanged";
+    EXPECT_EQ(exchanges(reply(hex("01 80 08"))), "read M 0 20");
+    EXPECT_EQ(reports(), "32C 200, 32C 201, D 0, D 1") << "M is unchanged";
 }
 
 TEST_F(TransactionTest, readMayBeAnsweredByAWriteFromItsReport)
 {
-    polls({key("D", 0, 2)});
+    polls("D 0 2");
     whenReported = [this](const Report &report) {
         EXPECT_EQ(word(0), 5) << "stored before it is reported";
-        if (report.text() == "D 0 @1")
+        if (report.text() == "D 0")
             writes("D_bit", 16, 1, {1});
     };
     exchanges(reply(words({5, 8})));
     // The bit was written into D1 before the reply's own D1 was stored; it is outstanding and stays shown.
     EXPECT_EQ(reads("D", 0, 2), words({5, 1}));
-    EXPECT_EQ(exchanges(acknowledgement()), "write D_bit 16 1 @1");
+    EXPECT_EQ(exchanges(acknowledgement()), "write D_bit 16 1");
     EXPECT_EQ(reads("D", 0, 2), words({5, 9}));
 }
 

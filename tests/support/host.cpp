@@ -2,6 +2,7 @@
 
 #include "support/require.h"
 
+#include <sstream>
 #include <utility>
 
 Host *Host::sReportedTo = nullptr;
@@ -11,6 +12,14 @@ std::vector<std::string> plain(const QList<QString> &texts)
     std::vector<std::string> result;
     for (const QString &text : texts)
         result.push_back(plain(text));
+    return result;
+}
+
+std::string joined(const std::vector<std::string> &texts)
+{
+    std::string result;
+    for (const std::string &text : texts)
+        result += (result.empty() ? "" : ", ") + text;
     return result;
 }
 
@@ -48,8 +57,12 @@ _RCP_VAR_PRO recipeItem(const std::string &regName, int address, int count, int 
 
 std::string Report::text() const
 {
-    const std::string place = regName + " " + std::to_string(address) + " @" + std::to_string(station);
-    return instance == INSTANCE ? place : place + " of " + std::to_string(instance);
+    if (instance == 0 && station == -1 && regName == "RWI")
+        return "RWI " + std::to_string(address);
+    if (instance == -1 && station == -1 && regName == "-1")
+        return "condition " + std::to_string(address);
+    const std::string place = regName + " " + std::to_string(address) + ofStation(station);
+    return instance == INSTANCE ? place : place + " of instance " + std::to_string(instance);
 }
 
 Host::Host(const Calls &table) : calls(table)
@@ -87,6 +100,22 @@ int Host::polls(const std::vector<KEY_ADDRESS> &keys)
     for (const KEY_ADDRESS &wanted : keys)
         list.append(wanted);
     return calls.intf_addrMerge(&list);
+}
+
+int Host::polls(const std::string &keys)
+{
+    std::vector<KEY_ADDRESS> list;
+    std::istringstream texts(keys);
+    for (std::string text; std::getline(texts, text, ',');) {
+        std::istringstream words(text);
+        std::string regName;
+        char at;
+        int address = 0, count = 0, station = 1;
+        require(static_cast<bool>(words >> regName >> address >> count), "a key has kind, address and count");
+        words >> at >> station;
+        list.push_back(key(regName, address, count, words ? station : 1));
+    }
+    return polls(list);
 }
 
 void Host::writes(const std::string &regName, int address, int count, const Bytes &values, int station,
@@ -140,7 +169,7 @@ std::string Host::exchanges(const Bytes &answer)
     return sent;
 }
 
-std::vector<std::string> Host::exchangesWell(int number)
+std::string Host::exchangesWell(int number)
 {
     std::vector<std::string> sent;
     for (int i = 0; i < number; ++i) {
@@ -148,10 +177,10 @@ std::vector<std::string> Host::exchangesWell(int number)
         const int dataSize = frame.replyLength > 10 ? frame.replyLength - 10 : 0;
         receives(reply(Bytes(static_cast<std::size_t>(dataSize), 0)));
     }
-    return sent;
+    return joined(sent);
 }
 
-Reports Host::reports() { return std::exchange(m_reports, {}); }
+std::string Host::reports() { return joined(std::exchange(m_reports, {})); }
 
 int Host::changed(int instance, int station, QString &regName, int address)
 {

@@ -27,19 +27,26 @@ KEY_ADDRESS key(const std::string &regName, int address, int count, int station 
 VARIABLE request(const std::string &regName, int address, int count, int station = 1);
 _RCP_VAR_PRO recipeItem(const std::string &regName, int address, int count, int bufferOffset, int station = 1);
 
-/// "D 100 10 @1": kind, address, count and station, for comparing plans and queues as texts.
+/// "a, b".
+std::string joined(const std::vector<std::string> &texts);
+
+/// " @2" behind what belongs to another station than 1, that of nearly all tests.
+inline std::string ofStation(int station) { return station == 1 ? "" : " @" + std::to_string(station); }
+
+/// "D 100 10": kind, address, count and station, for comparing plans and queues as texts.
 template <typename Record> std::string text(const Record &record)
 {
-    return plain(record.regName) + " " + std::to_string(record.address) + " " + std::to_string(record.count) + " @" +
-           std::to_string(record.station);
+    return plain(record.regName) + " " + std::to_string(record.address) + " " + std::to_string(record.count) +
+           ofStation(record.station);
 }
 
-template <typename List> std::vector<std::string> texts(const List &records)
+/// "D 100 10, M 0 1".
+template <typename List> std::string texts(const List &records)
 {
-    std::vector<std::string> result;
+    std::vector<std::string> all;
     for (const auto &record : records)
-        result.push_back(text(record));
-    return result;
+        all.push_back(text(record));
+    return joined(all);
 }
 
 /// One call of the callback.
@@ -49,11 +56,9 @@ struct Report {
     std::string regName;
     int address;
 
-    /// "D 100 @1"; of another instance than the host's "D 100 @1 of 0".
+    /// "D 100", "RWI 5" of a recipe word, "condition 0" of the end of a condition read; anything else in full.
     std::string text() const;
 };
-
-using Reports = std::vector<std::string>;
 
 /// The objects that a host lends to the driver, and everything that it does. The driver tells its callback to the one
 /// that was made last.
@@ -67,6 +72,8 @@ public:
     void configures(int retryLimit, int mergeGap, int cacheOnlyWrites = 0);
     void configures(const char *property);
     int polls(const std::vector<KEY_ADDRESS> &keys);
+    /// "D 100 10, M 0 1 @2".
+    int polls(const std::string &keys);
     void writes(const std::string &regName, int address, int count, const Bytes &values, int station = 1,
                 std::uintptr_t number = 0);
     Bytes reads(const std::string &regName, int address, int count, int station = 1);
@@ -77,19 +84,19 @@ public:
     void asks(int requestByte) { controlBlock[static_cast<std::size_t>(requestByte)] = 1; }
     bool isAsked(int requestByte) const { return controlBlock[static_cast<std::size_t>(requestByte)] != 0; }
 
-    /// What intf_getSendFrame hands out: "read D 100 10 @1", "write ..."; "nothing" when there is nothing to send.
+    /// What intf_getSendFrame hands out: "read D 100 10", "write ..."; "nothing" when there is nothing to send.
     std::string sends();
     /// The bytes of the frame that was handed out last.
     Bytes sentBytes() const { return Bytes(frame.frame, frame.frame + frame.frameLength); }
     int receives(const Bytes &answer);
     /// Sends what comes next and gives it that answer.
     std::string exchanges(const Bytes &answer);
-    /// Sends as many requests, each answered well: reads with zeros.
-    std::vector<std::string> exchangesWell(int number);
+    /// Sends as many requests, each answered well: reads with zeros. "read D 0 1, write M 5 1".
+    std::string exchangesWell(int number);
     std::string description() const { return plain(m_description); }
 
-    /// The reports since the last call.
-    Reports reports();
+    /// The reports since the last call: "D 100, M 5".
+    std::string reports();
     /// Called from inside the callback, after the report was noted.
     std::function<void(const Report &report)> whenReported;
     /// Not for sessions of many threads or of any length.
@@ -107,7 +114,7 @@ private:
     static int changed(int instance, int station, QString &regName, int address);
 
     static Host *sReportedTo;
-    Reports m_reports;
+    std::vector<std::string> m_reports;
     QString m_description;
 };
 
