@@ -1,4 +1,4 @@
-/// Any sequence of the nineteen calls with any arguments. After each call the driver's state is sound, and a screen
+/// Any sequence of the calls of a session with any arguments. After each call the driver's state is sound, and a screen
 /// that is refreshed by reports alone is current; after all of them the driver still serves a host that behaves.
 #include "fuzzSupport.h"
 #include "model/protocol.h"
@@ -55,8 +55,6 @@ private:
     void postsAnything();
     void readsAnything();
     void exchangesAnything();
-    void asksWithoutArguments();
-    void edits();
     void exchangesWell();
 
     FuzzedDataProvider &m_any;
@@ -142,39 +140,9 @@ void AnyHost::exchangesAnything()
     require(hasFrame || description().empty(), "nothing in flight, nothing described");
 }
 
-void AnyHost::asksWithoutArguments()
-{
-    QString text;
-    intf_getProtocolType(nullptr);
-    intf_checkAddr(qt(anyRegName(m_any)), text, nullptr, 0, anyNumber(m_any), 0);
-    intf_checkAddrValidity(qt(anyRegName(m_any)), text, nullptr, anyNumber(m_any), 0);
-    intf_getDriverParameter(text);
-    intf_getDriverPropertyPage(text);
-    require(intf_getVersion() == qt("2.0.0.0"), "the version");
-    intf_addrMerge(nullptr);
-    intf_addConditionRead(nullptr, 0);
-    intf_setRcpAddress(nullptr);
-    require(intf_getSendFrame(nullptr) == 0, "no record, no frame");
-    intf_setData(1, qt(anyRegName(m_any)), 0, 1, nullptr, 0);
-    intf_getData(1, qt(anyRegName(m_any)), 0, 1, nullptr);
-}
-
-void AnyHost::edits()
-{
-    QStringList texts;
-    intf_getRegListByType(anyNumber(m_any), texts);
-    intf_getRegDiscription(qt(anyRegName(m_any)), texts);
-    QVector<QString> addressTexts;
-    QVector<int> numbers;
-    intf_multiCopy(qt(anyRegName(m_any)), anyNumber(m_any), std::min(anyNumber(m_any), 100), anyNumber(m_any),
-                   addressTexts, numbers);
-    require(addressTexts.size() == numbers.size(), "a text for each number");
-    intf_SetDriverPropertyPage(qt(m_any.ConsumeRandomLengthString(9)));
-}
-
 void AnyHost::callsAnything()
 {
-    switch (m_any.ConsumeIntegralInRange(0, 14)) {
+    switch (m_any.ConsumeIntegralInRange(0, 13)) {
     case 0:
         return reconfigures();
     case 1:
@@ -190,8 +158,6 @@ void AnyHost::callsAnything()
         return readsAnything();
     case 7:
         return asks(m_any.ConsumeBool() ? DOWNLOAD_BYTE : UPLOAD_BYTE);
-    case 8:
-        return m_any.ConsumeBool() ? asksWithoutArguments() : edits();
     default:
         return exchangesAnything();
     }

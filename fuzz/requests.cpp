@@ -1,5 +1,5 @@
-/// Any bytes on the simulated controller's link: no crash, every answer is a whole reply, and damage by faults stays
-/// within the answer.
+/// Any bytes on the simulated controller's link, in frames or not: no crash, every answer is a whole reply, and damage
+/// by faults stays within the answer.
 #include "fuzzSupport.h"
 #include "replyCollector.h"
 #include "simulator/controller.h"
@@ -17,8 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
     }
     vssim::FrameReader reader;
     while (input.remaining_bytes() > 0) {
-        const std::size_t piece = input.ConsumeIntegralInRange<std::size_t>(1, 600);
-        for (const vssim::Frame &frame : reader.feed(input.ConsumeBytes<std::uint8_t>(piece))) {
+        const bool isFramed = input.ConsumeBool();
+        const Bytes piece = input.ConsumeBytes<std::uint8_t>(input.ConsumeIntegralInRange<std::size_t>(1, 600));
+        for (const vssim::Frame &frame : reader.feed(isFramed ? doubled(envelope(piece)) : piece)) {
             const auto answer = controller.answer(frame);
             if (!answer || isFaulty)
                 continue;

@@ -22,15 +22,15 @@ done
 scripts/install-dependencies.sh build fuzz
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz >build/fuzz/build.log || { cat build/fuzz/build.log; exit 1; }
-build/fuzz/fuzz/makeSeeds build/fuzz/seeds examples/plant.toml
-mkdir -p build/fuzz/findings
+mkdir -p build/fuzz/findings build/fuzz/corpus/configuration
+cp examples/plant.toml build/fuzz/corpus/configuration
 
 for target in $wanted; do
     mkdir -p "build/fuzz/corpus/$target"
     log="build/fuzz/$target.log"
     if ! "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=8192 -timeout=120 -print_final_stats=1 \
-        -verbosity=1 -artifact_prefix="build/fuzz/findings/$target-" \
-        "build/fuzz/corpus/$target" "build/fuzz/seeds/$target" >"$log" 2>&1; then
+        -verbosity=1 -dict=fuzz/wire.dict -artifact_prefix="build/fuzz/findings/$target-" \
+        "build/fuzz/corpus/$target" >"$log" 2>&1; then
         tail -n 60 "$log"
         echo "fuzz_$target FOUND A FAULT"
         exit 1

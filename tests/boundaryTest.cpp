@@ -114,7 +114,7 @@ TEST_F(Session, runsFromThePollListToARecipe)
     EXPECT_EQ(exchanges(reply(words({0x20}))), "01 07 00 20 a0 00 01 00 01 00");
     EXPECT_EQ(host.reports(), "D 100, condition 0");
 
-    EXPECT_EQ(host.plansRecipe({recipeItem("R", 0, 1, 0), recipeItem("R", 1, 1, 1)}), 2);
+    EXPECT_EQ(host.plansRecipe("R 0 1 from 0, R 1 1 from 1"), 2);
     host.recipeBuffer[1] = 0x0302;
     host.asks(DOWNLOAD_BYTE);
     EXPECT_EQ(exchanges(acknowledgement()), "01 0b 00 28 a2 00 00 00 02 00 00 00 02 03");
@@ -124,29 +124,6 @@ TEST_F(Session, runsFromThePollListToARecipe)
     EXPECT_EQ(host.recipeBuffer[1], 9);
     EXPECT_FALSE(host.isAsked(UPLOAD_BYTE));
     EXPECT_EQ(host.reports(), "RWI 0, RWI 1");
-}
-
-TEST_F(Session, servesTheHostsEditor)
-{
-    int number = -1;
-    EXPECT_EQ(calls.intf_checkAddrValidity(qt("X"), qt("17"), &number, 1, 0), 0);
-    EXPECT_EQ(number, 15);
-    EXPECT_EQ(calls.intf_checkAddr(qt("D"), qt("9000"), &number, 1, 1, 1), 2);
-    QStringList names;
-    EXPECT_EQ(calls.intf_getRegListByType(0, names), 1);
-    EXPECT_EQ(calls.intf_getRegDiscription(names.at(0), names), 0);
-    EXPECT_EQ(names.size(), 11 + 5);
-    QVector<QString> texts;
-    QVector<int> numbers;
-    EXPECT_EQ(calls.intf_multiCopy(qt("X"), 376, 3, 1, texts, numbers), 2);
-    EXPECT_EQ(numbers, (QVector<int>() << 376 << 377 << 377));
-    int type = 9;
-    calls.intf_getProtocolType(&type);
-    EXPECT_EQ(type, 0);
-    calls.intf_SetDriverPropertyPage(qt("1_1"));
-    QString page;
-    calls.intf_getDriverPropertyPage(page);
-    EXPECT_EQ(plain(page), "0_0");
 }
 
 } // namespace

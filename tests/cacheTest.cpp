@@ -199,14 +199,7 @@ TEST_P(EveryShape, isDroppedAndReportedWhenGivenUp)
     EXPECT_EQ(reports(), row.whenGivenUp);
 }
 
-std::string nameOfRow(const ::testing::TestParamInfo<ShapeRow> &info)
-{
-    std::string name = info.param.what;
-    std::replace(name.begin(), name.end(), ' ', '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Shapes, EveryShape, ::testing::ValuesIn(SHAPES), nameOfRow);
+INSTANTIATE_TEST_SUITE_P(Shapes, EveryShape, ::testing::ValuesIn(SHAPES));
 
 TEST_F(UnitsTest, theHighUnitOfAValueIsThereBeforeTheLowOneIsReported)
 {
@@ -237,28 +230,12 @@ TEST_F(UnitsTest, ofEveryKindLieUnderItsKeyName)
 
 TEST_F(UnitsTest, nothingSenselessIsFlaggedServedQueuedOrCreated)
 {
-    const KEY_ADDRESS senseless[] = {
-        key("Q", 0, 1),
-        key("d", 0, 1),
-        key("D", 0, 0),
-        key("D", 0, -3),
-        key("D", -1, 1),
-        key("D", 0, 9001),
-        key("32C", 0, 113),
-        key("M", 0, 8193),
-        key("D_bit", 0, 144001),
-        key("D", 2147483647, 2),
-        key("D_bit", -16, 1),
-        key("R", 0, 2147483647),
-        key("D", 1000000, 1),
-        key("D", 999999, 2),
-        key("M", 999990, 11),
-        key("SD", 1000000, 1),
-        key("32C", 999999, 4),
-        key("D_bit", 1600000, 1),
-        key("R_bit", 1599990, 11),
-    };
-    for (const KEY_ADDRESS &wanted : senseless) {
+    const char *const senseless = "Q 0 1, d 0 1, D 0 0, D 0 -3, D -1 1, D 0 9001, 32C 0 113, M 0 8193, "
+                                  "D_bit 0 144001, D 2147483647 2, D_bit -16 1, R 0 2147483647, D 1000000 1, "
+                                  "D 999999 2, M 999990 11, SD 1000000 1, 32C 999999 4, D_bit 1600000 1, "
+                                  "R_bit 1599990 11";
+    for (const _RCP_VAR_PRO &run : runsOf(senseless)) {
+        const KEY_ADDRESS wanted = key(plain(run.regName), run.address, run.count);
         SCOPED_TRACE(text(wanted));
         quint8 value = 0xEE;
         EXPECT_EQ(_setDataAreaMonitorFlag(1, wanted.regName, wanted.address, wanted.count), 0);
@@ -270,11 +247,11 @@ TEST_F(UnitsTest, nothingSenselessIsFlaggedServedQueuedOrCreated)
         EXPECT_TRUE(driver.dataAreas.isEmpty() && driver.writeQueue.isEmpty() && driver.conditionReads.isEmpty());
         EXPECT_EQ(text(driver.lastConditionRead), " 0 0 @0");
     }
-    for (const KEY_ADDRESS &wanted : {key("D", 999999, 1), key("D", 9000, 9000), key("32C", 0, 112),
-                                      key("32C", 999999, 3), key("D_bit", 1599999, 1), key("M", 999990, 10)}) {
+    for (const _RCP_VAR_PRO &wanted :
+         runsOf("D 999999 1, D 9000 9000, 32C 0 112, 32C 999999 3, D_bit 1599999 1, M 999990 10")) {
         SCOPED_TRACE(text(wanted));
         EXPECT_FALSE(reads(plain(wanted.regName), wanted.address, wanted.count).empty());
-        EXPECT_GT(polls({wanted}), 0) << "an address above the highest is not refused";
+        EXPECT_GT(polls(text(wanted)), 0) << "an address above the highest is not refused";
     }
 }
 

@@ -2,7 +2,6 @@
 /// has its own idea of the protocol. Nothing waits for time to pass: a session goes on until what is awaited is there.
 #include "communication.h"
 #include "driver.h"
-#include "simulator/request.h"
 #include "support/host.h"
 #include "support/kinds.h"
 #include "support/plant.h"
@@ -19,7 +18,6 @@
 #include <numeric>
 #include <set>
 #include <thread>
-#include <variant>
 
 #include <unistd.h>
 
@@ -134,17 +132,11 @@ public:
     std::map<int, int> giveUpsOf;
     std::map<std::string, int> endsOf; ///< transactions that have ended, by place
     std::size_t transactions = 0;
-    std::function<void(const FRAME_PRO &)> whenChosen;
 
 private:
     void beforeChoice() override { tracker.beforeChoice(); }
     void nothingToSend() override { tracker.nothingToSend(); }
-    void frameChosen(const FRAME_PRO &frame) override
-    {
-        if (whenChosen)
-            whenChosen(frame);
-        tracker.frameChosen(frame);
-    }
+    void frameChosen(const FRAME_PRO &frame) override { tracker.frameChosen(frame); }
     void noteEnd(const FRAME_PRO &frame, bool isAccepted)
     {
         ++transactions;
@@ -267,37 +259,6 @@ TEST_P(OverEveryLink, recipesGoDownAndComeBack)
 
 INSTANTIATE_TEST_SUITE_P(Links, OverEveryLink, ::testing::Values(false, true), nameOfLink);
 
-TEST(EndToEnd, theControllerReadsEveryFrameAsItWasMeant)
-{
-    Plant plant(false, {1});
-    Panel panel(plant.address());
-    std::set<std::string> seen;
-    panel.whenChosen = [&](const FRAME_PRO &frame) {
-        const VARIABLE &meant = frame.variable;
-        SCOPED_TRACE(text(meant));
-        seen.insert(text(meant) + (frame.dataOffset == 0 ? " written" : " read"));
-        const vssim::Bytes bytes(frame.frame, frame.frame + frame.frameLength);
-        const vssim::Decoded decoded = vssim::decode(vssim::FrameReader().feed(bytes).at(0));
-        const auto *request = std::get_if<vssim::Request>(&decoded);
-        ASSERT_TRUE(request);
-        EXPECT_EQ(request->station, meant.station);
-        EXPECT_EQ(request->kind->name, plain(meant.regName));
-        EXPECT_EQ(request->number, static_cast<std::uint32_t>(meant.address));
-        const bool bits = request->command == vssim::Command::WriteBits;
-        EXPECT_EQ(request->count, static_cast<std::uint32_t>(bits ? (meant.count + 7) / 8 : meant.count));
-        if (request->command == vssim::Command::WriteUnits)
-            EXPECT_EQ(request->data, Bytes(meant.data, meant.data + request->data.size()));
-    };
-    std::vector<Wanted> wanted;
-    for (const Kind &kind : kinds()) {
-        wanted.push_back({kind.name, firstOf(kind), 3 * kind.hostCount()});
-        panel.writes({kind.name, firstOf(kind), kind.hostCount()}, twoValues(kind));
-    }
-    panel.polls(wanted);
-    ASSERT_TRUE(panel.pollsAllAnew());
-    EXPECT_EQ(seen.size(), 2 * kinds().size()) << "each kind read and written";
-}
-
 /// Values of four kinds that are polled and written, while a condition is read and a recipe carried up, under faults.
 class UnderFaults : public ::testing::Test {
 protected:
@@ -409,21 +370,12 @@ TEST_P(OfEveryKind, noWrongValueIsShownAndEveryWriteEnds)
     EXPECT_GT(std::accumulate(met.begin(), met.end(), std::uint64_t{0}), 0U) << "the fault was never met";
 }
 
-std::string nameOfFault(const ::testing::TestParamInfo<OfEveryKind::ParamType> &info)
-{
-    std::string name = std::string(std::get<0>(info.param)) + (std::get<1>(info.param) ? "_serial" : "_tcp");
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
-    return name;
-}
-
 INSTANTIATE_TEST_SUITE_P(Faults, OfEveryKind,
                          ::testing::Combine(::testing::Values("silence:p=0.3", "silence:n=7", "error:p=0.4",
                                                               "error:n=7", "drop:p=0.4", "flip:p=0.5", "truncate:p=0.4",
                                                               "overlong:p=0.4", "garbage:p=0.5", "wrong-station:p=0.4",
                                                               "delay:ms=5,p=0.5", "delay:ms=80,n=2"),
-                                            ::testing::Bool()),
-                         nameOfFault);
+                                            ::testing::Bool()));
 
 long residentBytes()
 {

@@ -87,16 +87,6 @@ RC_GTEST_PROP(FrameCodec, doublingAndUndoublingAreInverse, ())
     RC_ASSERT(bytesOf(array) == frame);
 }
 
-RC_GTEST_PROP(FrameCodec, undoublingOfAnythingShortensItInsideTheBodyAtMost, (const Bytes &anything))
-{
-    QByteArray array = arrayOf(anything);
-    dealFrameRead_0x10(array);
-    const Bytes result = bytesOf(array);
-    RC_ASSERT(result.size() <= anything.size() && 2 * result.size() + 6 >= anything.size());
-    if (anything.size() >= 7)
-        RC_ASSERT(std::equal(result.end() - 4, result.end(), anything.end() - 4));
-}
-
 // ---- Requests ----
 
 std::string wire(const FRAME_PRO &frame) { return hexText(Bytes(frame.frame, frame.frame + frame.frameLength)); }
@@ -361,27 +351,6 @@ TEST_F(ReplyTest, ofEveryKindIsRefusedWithAnyBitFlippedOrCutShort)
             EXPECT_EQ(receives(good), 1);
         }
     }
-}
-
-TEST_F(ReplyTest, withTwoBitsFlippedPassesWhereTheirSumsCancelOut)
-{
-    const Bytes good = reply(words({0x3535, 0x3510, 0x3535, 0x3535, 0x3535, 0x3535}));
-    configures(1000000, 16);
-    polls("D 100 6");
-    int pairs = 0;
-    int passed = 0;
-    for (const std::size_t one : judgedBits(good)) {
-        for (const std::size_t other : judgedBits(good)) {
-            if (other <= one)
-                continue;
-            sends();
-            ++pairs;
-            passed += receives(flipped(flipped(good, one), other)) == 1 ? 1 : 0;
-        }
-    }
-    EXPECT_GT(passed, 0) << "two bits of one weight, one set and one cleared, leave the sum as it was";
-    EXPECT_LT(passed, pairs / 20);
-    std::printf("%d of %d pairs of flipped bits pass, %.2f %%\n", passed, pairs, 100.0 * passed / pairs);
 }
 
 } // namespace

@@ -54,7 +54,7 @@ TEST_F(IdentityTest, takesFiveNumbersFromThePropertyText)
 
 TEST_F(IdentityTest, resetDropsWorkAndCacheAndLeavesTheRest)
 {
-    plansRecipe({recipeItem("D", 1, 1, 0), recipeItem("D", 3, 1, 1)});
+    plansRecipe("D 1 1 from 0, D 3 1 from 1");
     polls("D 0 10");
     asksForCondition(key("D", 50, 1));
     writes("D", 0, 1, words({5}));
@@ -85,7 +85,7 @@ TEST_F(IdentityTest, worksWithoutTheHostsObjectsAndCallback)
 {
     intf_setAddrValueChangeCallBack(nullptr);
     intf_initProperty(nullptr, nullptr, nullptr, nullptr, "3#0#0#1#16", nullptr);
-    plansRecipe({recipeItem("D", 0, 1, 0)});
+    plansRecipe("D 0 1 from 0");
     polls("D 0 1");
     EXPECT_EQ(exchanges(reply(words({7}))), "read D 0 1");
     EXPECT_EQ(word(0), 7);
@@ -94,7 +94,7 @@ TEST_F(IdentityTest, worksWithoutTheHostsObjectsAndCallback)
 TEST_F(IdentityTest, argumentsThatAreNullChangeNothing)
 {
     polls("D 0 1");
-    plansRecipe({recipeItem("D", 0, 1, 0), recipeItem("D", 5, 1, 1)});
+    plansRecipe("D 0 1 from 0, D 5 1 from 1");
     const int units = static_cast<int>(driver.dataAreas.size());
     intf_getProtocolType(nullptr);
     EXPECT_EQ(intf_checkAddr(qt("D"), qt("1"), nullptr, 0, 1, 0), 0);

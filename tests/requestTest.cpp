@@ -1,6 +1,7 @@
 /// One-time reads and writes as requests: cutting, queueing, displacing.
 #include "serviceForProtocol/requests/pieces.h"
 #include "support/driverTest.h"
+#include "support/kinds.h"
 
 #include <rapidcheck/gtest.h>
 
@@ -160,25 +161,6 @@ TEST_F(RequestTest, writesAreCutIntoPiecesAndConvertedToDeviceUnits)
     }
 }
 
-TEST_F(RequestTest, aCutWriteOfCountersCarriesTheirWholeValues)
-{
-    for (const int mergeGap : {1, 2, 3, 5, 16}) {
-        configures(3, mergeGap);
-        Bytes values;
-        for (unsigned char i = 1; i <= 20; ++i)
-            values.push_back(i);
-        writes("32C", 200, 10, values);
-        Bytes carried;
-        int next = 200;
-        for (const VARIABLE &piece : driver.writeQueue) {
-            EXPECT_EQ(piece.address, next);
-            next += piece.count;
-            carried.insert(carried.end(), piece.data, piece.data + 4 * piece.count);
-        }
-        EXPECT_EQ(hexText(carried), hexText(values)) << mergeGap;
-    }
-}
-
 TEST_F(RequestTest, bitsAreOnOnlyWithOne)
 {
     for (const int cacheOnly : {0, 1, 2}) {
@@ -302,22 +284,22 @@ TEST_F(RequestTest, writesAreNotSentBeforeTheyAreShownAndHoldUpNoOthers)
         EXPECT_EQ(unit("D", address).writePending, 0);
 }
 
-RC_GTEST_FIXTURE_PROP(RequestTest, aCutWriteCarriesEveryValueOnce, ())
+RC_GTEST_FIXTURE_PROP(RequestTest, aCutWriteCarriesEveryValueOnceAndWhole, ())
 {
-    const bool bits = *rc::gen::arbitrary<bool>();
-    const int count = *rc::gen::inRange(1, bits ? 1025 : 513);
+    const Kind &kind = *rc::gen::elementOf(kinds());
+    const int count = *rc::gen::inRange(1, kind.holdsBits() ? 1025 : 513) / kind.hostCount();
     const int gap = *rc::gen::inRange(1, 600);
-    const int size = bits ? count : 2 * count;
-    const auto values =
-        *rc::gen::container<Bytes>(static_cast<std::size_t>(size), rc::gen::inRange<unsigned char>(0, 2));
+    const auto values = *rc::gen::container<Bytes>(static_cast<std::size_t>(count * kind.bytes()),
+                                                   rc::gen::inRange<unsigned char>(0, 2));
     configures(3, gap);
-    writes(bits ? "M" : "D", 40, count, values);
+    writes(kind.name, 40, count * kind.hostCount(), values);
+    RC_PRE(count <= kind.highest - kind.lowest);
     int address = 40;
     Bytes carried;
     for (const VARIABLE &queued : driver.writeQueue) {
-        RC_ASSERT(queued.address == address);
-        RC_ASSERT(queued.count >= 1 && queued.count <= (bits ? 8 * gap : gap));
-        carried.insert(carried.end(), queued.data, queued.data + (bits ? queued.count : 2 * queued.count));
+        RC_ASSERT(queued.address == address && queued.count >= 1);
+        RC_ASSERT(queued.count * kind.hostCount() <= std::max(kind.holdsBits() ? 8 * gap : gap, kind.hostCount()));
+        carried.insert(carried.end(), queued.data, queued.data + queued.count * kind.bytes());
         address += queued.count;
     }
     RC_ASSERT(carried == values);

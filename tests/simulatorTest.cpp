@@ -1,25 +1,13 @@
-// The simulated controller without a link: request bytes in, reply bytes out.
+/// The simulated controller without a link: request bytes in, reply bytes out.
 #include "simulator/controller.h"
+#include "support/wire.h"
 
 #include <gtest/gtest.h>
-
-#include <sstream>
 
 namespace {
 
 using namespace vssim;
-
-Bytes hex(const std::string &text)
-{
-    std::istringstream stream(text);
-    Bytes bytes;
-    for (unsigned byte = 0; stream >> std::hex >> byte;)
-        bytes.push_back(static_cast<std::uint8_t>(byte));
-    return bytes;
-}
-
-// A request around a body given without its checksum, so that rows show only what they are about.
-Bytes request(const std::string &body) { return enveloped(hex(body)); }
+using ::Bytes;
 
 /// The bytes that the controller puts on the wire for these, empty for silence.
 Bytes answerTo(Controller &controller, const Bytes &wire)
@@ -32,78 +20,58 @@ Bytes answerTo(Controller &controller, const Bytes &wire)
     return bytes;
 }
 
-struct Row {
-    const char *name;
-    const char *request;
-    const char *reply;
-};
-
-void PrintTo(const Row &row, std::ostream *stream) { *stream << row.name; }
-
-std::string nameOf(const testing::TestParamInfo<Row> &info) { return info.param.name; }
-
-class SimulatorAnswers : public testing::TestWithParam<Row> {
-protected:
-    SimulatorAnswers()
-    {
-        controller.write(1, "D", 100, 0x1234);
-        controller.write(1, "D", 101, 0x0010);
-        controller.write(1, "SD", 9010, 7);
-        controller.write(1, "32C", 255, 0xA1B2C3D4);
-        controller.write(1, "X", 15, 1);
-        controller.write(1, "M", 9, 1);
-    }
-    Controller controller{{1, 2, 16}};
-};
-
-TEST_P(SimulatorAnswers, withTheseBytes)
+/// A frame as it stands, or what one encloses.
+Bytes wireOf(const std::string &text)
 {
-    EXPECT_EQ(answerTo(controller, hex(GetParam().request)), hex(GetParam().reply));
+    return text.empty() || text.rfind("10 02", 0) == 0 ? hex(text) : doubled(envelope(hex(text)));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Good, SimulatorAnswers,
-    testing::Values(
-        Row{"wordsOfD", "10 02 01 07 00 20 A0 00 01 00 02 00 10 03 43 42",
-            "10 02 01 05 00 00 34 12 10 10 00 10 03 35 43"},
-        Row{"tenWordsOfD", "10 02 01 07 00 20 A0 00 01 00 0A 00 10 03 44 33",
-            "10 02 01 15 00 00 34 12 10 10 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 10 03 36 43"},
-        Row{"wordOfSdWithDoubledAddress", "10 02 01 07 00 20 A1 10 10 00 00 01 00 10 03 44 41",
-            "10 02 01 03 00 00 07 00 10 03 30 42"},
-        Row{"counterOf32Bits", "10 02 01 07 00 20 AD 55 02 00 01 00 10 03 32 44",
-            "10 02 01 05 00 00 D4 C3 B2 A1 10 03 46 30"},
-        Row{"bitOfX17", "10 02 01 07 00 21 90 15 00 00 01 00 10 03 43 46", "10 02 01 02 00 00 01 10 03 30 34"},
-        Row{"tenBitsOfM", "10 02 01 07 00 21 92 00 00 00 0A 00 10 03 43 35", "10 02 01 03 00 00 00 02 10 03 30 36"},
-        Row{"noUnits", "10 02 01 07 00 20 A0 00 00 00 00 00 10 03 43 38", "10 02 01 01 00 00 10 03 30 32"},
-        Row{"writeOfWord", "10 02 01 09 00 28 A0 00 00 00 01 00 34 12 10 03 31 39", "10 02 01 01 00 00 10 03 30 32"},
-        Row{"writeToStation16", "10 02 10 10 09 00 28 A0 00 00 00 01 00 34 12 10 03 32 38",
-            "10 02 10 10 01 00 00 10 03 31 31"}),
-    nameOf);
-
-INSTANTIATE_TEST_SUITE_P(
-    Damaged, SimulatorAnswers,
-    testing::Values(
-        Row{"wrongChecksum", "10 02 01 07 00 20 A0 00 01 00 0A 00 10 03 44 34", "10 02 01 01 00 02 10 03 30 34"},
-        Row{"unknownDeviceCode", "10 02 01 07 00 20 A5 00 01 00 0A 00 10 03 44 38", "10 02 01 01 00 01 10 03 30 33"},
-        Row{"pastTheEndOfD", "10 02 01 07 00 20 A0 99 89 00 02 00 10 03 45 43", "10 02 01 01 00 03 10 03 30 35"},
-        Row{"belowThe32BitCounters", "10 02 01 07 00 20 AD 99 01 00 01 00 10 03 37 30",
-            "10 02 01 01 00 03 10 03 30 35"},
-        Row{"unitsOfABitKind", "10 02 01 07 00 20 92 00 00 00 01 00 10 03 42 42", "10 02 01 01 00 04 10 03 30 36"},
-        Row{"unknownCommand", "10 02 01 07 00 30 A0 00 00 00 01 00 10 03 44 39", "10 02 01 01 00 04 10 03 30 36"},
-        Row{"lengthFieldTooLong", "10 02 01 08 00 20 A0 00 01 00 0A 00 10 03 44 34", "10 02 01 01 00 05 10 03 30 37"},
-        Row{"addressNotDecimal", "10 02 01 07 00 20 A0 0A 01 00 01 00 10 03 44 34", "10 02 01 01 00 06 10 03 30 38"},
-        Row{"otherStation", "10 02 03 07 00 20 A0 00 01 00 0A 00 10 03 44 35", ""},
-        Row{"readOfAllStations", "10 02 FF 07 00 20 A0 00 01 00 0A 00 10 03 44 31", ""},
-        Row{"nothingInside", "10 02 10 03 30 30", ""}),
-    nameOf);
+TEST(Simulator, answersWithTheseBytes)
+{
+    Controller controller({1, 2, 16});
+    controller.write(1, "D", 100, 0x1234);
+    controller.write(1, "D", 101, 0x0010);
+    controller.write(1, "SD", 9010, 7);
+    controller.write(1, "32C", 255, 0xA1B2C3D4);
+    controller.write(1, "X", 15, 1);
+    controller.write(1, "M", 9, 1);
+    const struct {
+        const char *what, *request, *reply;
+    } rows[] = {
+        {"words of D", "10 02 01 07 00 20 A0 00 01 00 02 00 10 03 43 42",
+         "10 02 01 05 00 00 34 12 10 10 00 10 03 35 43"},
+        {"ten words of D", "01 07 00 20 A0 00 01 00 0A 00",
+         "01 15 00 00 34 12 10 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"},
+        {"word of sd with doubled address", "01 07 00 20 A1 10 00 00 01 00", "01 03 00 00 07 00"},
+        {"counter of 32 bits", "01 07 00 20 AD 55 02 00 01 00", "01 05 00 00 D4 C3 B2 A1"},
+        {"bit X17", "01 07 00 21 90 15 00 00 01 00", "01 02 00 00 01"},
+        {"ten bits of M", "01 07 00 21 92 00 00 00 0A 00", "01 03 00 00 00 02"},
+        {"no units", "01 07 00 20 A0 00 00 00 00 00", "01 01 00 00"},
+        {"write of word", "01 09 00 28 A0 00 00 00 01 00 34 12", "01 01 00 00"},
+        {"write to station 16", "10 09 00 28 A0 00 00 00 01 00 34 12", "10 01 00 00"},
+        {"wrong checksum", "10 02 01 07 00 20 A0 00 01 00 0A 00 10 03 44 34", "10 02 01 01 00 02 10 03 30 34"},
+        {"unknown device code", "01 07 00 20 A5 00 01 00 0A 00", "01 01 00 01"},
+        {"past the end of D", "01 07 00 20 A0 99 89 00 02 00", "01 01 00 03"},
+        {"below the counters of 32 bits", "01 07 00 20 AD 99 01 00 01 00", "01 01 00 03"},
+        {"units of a bit kind", "01 07 00 20 92 00 00 00 01 00", "01 01 00 04"},
+        {"unknown command", "01 07 00 30 A0 00 00 00 01 00", "01 01 00 04"},
+        {"length field too long", "01 08 00 20 A0 00 01 00 0A 00", "01 01 00 05"},
+        {"address not decimal", "01 07 00 20 A0 0A 01 00 01 00", "01 01 00 06"},
+        {"other station", "03 07 00 20 A0 00 01 00 0A 00", ""},
+        {"read of all stations", "FF 07 00 20 A0 00 01 00 0A 00", ""},
+        {"nothing inside", "10 02 10 03 30 30", ""},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(hexText(answerTo(controller, wireOf(row.request))), hexText(wireOf(row.reply))) << row.what;
+}
 
 TEST(SimulatorWrites, bitsInsideAWordAddressedByWordAndNibble)
 {
     Controller controller({1}, BitWriteMode::WholeBytes);
-    answerTo(controller, request("01 08 00 29 95 05 10 00 01 00 81")); // D100.5, eight bits
+    answerTo(controller, wireOf("01 08 00 29 95 05 10 00 01 00 81")); // D100.5, eight bits
     EXPECT_EQ(controller.read(1, "D", 100), 0x1020U);
     EXPECT_EQ(controller.read(1, "D_bit", 1605), 1U);
-    answerTo(controller, request("01 08 00 29 95 7C 00 00 01 00 FF")); // D7.12 runs on into D8
+    answerTo(controller, wireOf("01 08 00 29 95 7C 00 00 01 00 FF")); // D7.12 runs on into D8
     EXPECT_EQ(controller.read(1, "D", 7), 0xF000U);
     EXPECT_EQ(controller.read(1, "D", 8), 0x000FU);
 }
@@ -113,7 +81,7 @@ TEST(SimulatorWrites, aLoneByteAsOneBitOnlyInSingleMode)
     for (const BitWriteMode mode : {BitWriteMode::WholeBytes, BitWriteMode::LoneBit}) {
         Controller controller({1}, mode);
         controller.write(1, "M", 11, 1);
-        answerTo(controller, request("01 08 00 29 92 10 00 00 01 00 01"));
+        answerTo(controller, wireOf("01 08 00 29 92 10 00 00 01 00 01"));
         EXPECT_EQ(controller.read(1, "M", 10), 1U);
         EXPECT_EQ(controller.read(1, "M", 11), mode == BitWriteMode::LoneBit ? 1U : 0U);
     }
@@ -122,19 +90,19 @@ TEST(SimulatorWrites, aLoneByteAsOneBitOnlyInSingleMode)
 TEST(SimulatorWrites, bitsUpToTheEndOfTheKindAndPassesThePaddingOver)
 {
     Controller controller({1}, BitWriteMode::WholeBytes);
-    EXPECT_EQ(answerTo(controller, request("01 09 00 29 91 65 03 00 02 00 0D 03"))[5], 0); // Y365 to Y377
+    EXPECT_EQ(answerTo(controller, wireOf("01 09 00 29 91 65 03 00 02 00 0D 03"))[5], 0); // Y365 to Y377
     EXPECT_EQ(controller.read(1, "Y", 365), 1U);
     EXPECT_EQ(controller.read(1, "Y", 374), 1U);
     EXPECT_EQ(controller.read(1, "Y", 375), 0U);
-    EXPECT_EQ(answerTo(controller, request("01 09 00 29 91 70 03 00 01 00 0D 03"))[5], 5);
-    EXPECT_EQ(answerTo(controller, request("01 0A 00 29 91 70 03 00 02 00 0D 03"))[5], 5);
-    EXPECT_EQ(answerTo(controller, request("01 09 00 29 91 77 03 00 02 00 0D 03"))[5], 3);
+    EXPECT_EQ(answerTo(controller, wireOf("01 09 00 29 91 70 03 00 01 00 0D 03"))[5], 5);
+    EXPECT_EQ(answerTo(controller, wireOf("01 0A 00 29 91 70 03 00 02 00 0D 03"))[5], 5);
+    EXPECT_EQ(answerTo(controller, wireOf("01 09 00 29 91 77 03 00 02 00 0D 03"))[5], 3);
 }
 
 TEST(SimulatorWrites, broadcastsInAllStationsWithoutAnAnswer)
 {
     Controller controller({1, 9});
-    EXPECT_TRUE(answerTo(controller, request("FF 09 00 28 A0 05 00 00 01 00 2A 00")).empty());
+    EXPECT_TRUE(answerTo(controller, wireOf("FF 09 00 28 A0 05 00 00 01 00 2A 00")).empty());
     EXPECT_EQ(controller.read(1, "D", 5), 42U);
     EXPECT_EQ(controller.read(9, "D", 5), 42U);
     EXPECT_EQ(controller.counts().broadcasts, 1U);
@@ -142,7 +110,7 @@ TEST(SimulatorWrites, broadcastsInAllStationsWithoutAnAnswer)
 
 TEST(FrameReader, findsTheSameRequestsByteByByteAndBetweenGarbage)
 {
-    const Bytes good = request("01 07 00 20 A1 10 00 00 01 00");
+    const Bytes good = wireOf("01 07 00 20 A1 10 00 00 01 00");
     for (const char *before :
          {"", "00 FF 10", "10 02 01 07", "10 02 01 10 07", "10 10 02 10 03 30", "10 02 05 10 03 10"}) {
         Bytes stream = hex(before);
@@ -162,40 +130,37 @@ TEST(FrameReader, givesUpARequestThatDoesNotEndAndFindsTheNext)
     FrameReader reader;
     EXPECT_TRUE(reader.feed(hex("10 02")).empty());
     EXPECT_TRUE(reader.feed(Bytes(100000, 0x55)).empty());
-    EXPECT_EQ(reader.feed(request("01 07 00 20 A0 00 00 00 01 00")).size(), 1U);
+    EXPECT_EQ(reader.feed(wireOf("01 07 00 20 A0 00 00 00 01 00")).size(), 1U);
 }
 
-struct FaultRow {
-    const char *fault;
-    const char *reply; ///< to a read of one word of D that holds 0x0055; empty for silence
-};
-
-class SimulatorFaults : public testing::TestWithParam<FaultRow> {};
-
-TEST_P(SimulatorFaults, isSeenOnceAtItsStationAndCounted)
+TEST(SimulatorFault, isSeenOnceAtItsStationAndCounted)
 {
-    const Bytes sound = hex("10 02 01 03 00 00 55 00 10 03 35 39");
-    const Bytes read = request("01 07 00 20 A0 00 00 00 01 00");
-    Controller controller({1, 2});
-    controller.write(1, "D", 0, 0x55);
-    controller.addFault(std::string(GetParam().fault) + "@1");
-    EXPECT_EQ(answerTo(controller, request("02 07 00 20 A0 00 00 00 01 00")).size(), sound.size());
-    EXPECT_EQ(answerTo(controller, read), hex(GetParam().reply));
-    EXPECT_EQ(answerTo(controller, read), sound);
-    const FaultCounts counts = controller.counts().faults;
-    EXPECT_EQ(counts[static_cast<std::size_t>(parseFault(GetParam().fault).fault.kind)], 1U);
+    const struct {
+        const char *fault;
+        const char *reply; ///< to a read of one word of D that holds 0x0055
+    } rows[] = {
+        {"silence:n=1", ""},
+        {"error:status=9,n=1", "01 01 00 09"},
+        {"truncate:n=1", "10 02 01 03 00 00 55 00"},
+        {"overlong:bytes=1,n=1", "01 04 00 00 55 00 00"},
+        {"wrong-station:n=1", "02 03 00 00 55 00"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.fault);
+        Controller controller({1, 2});
+        controller.write(1, "D", 0, 0x55);
+        controller.addFault(std::string(row.fault) + "@1");
+        EXPECT_EQ(answerTo(controller, wireOf("02 07 00 20 A0 00 00 00 01 00")), wireOf("02 03 00 00 00 00"));
+        EXPECT_EQ(answerTo(controller, wireOf("01 07 00 20 A0 00 00 00 01 00")), wireOf(row.reply));
+        EXPECT_EQ(answerTo(controller, wireOf("01 07 00 20 A0 00 00 00 01 00")), wireOf("01 03 00 00 55 00"));
+        const FaultCounts counts = controller.counts().faults;
+        EXPECT_EQ(counts[static_cast<std::size_t>(parseFault(row.fault).fault.kind)], 1U);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(EachFault, SimulatorFaults,
-                         testing::Values(FaultRow{"silence:n=1", ""},
-                                         FaultRow{"error:status=9,n=1", "10 02 01 01 00 09 10 03 30 42"},
-                                         FaultRow{"truncate:n=1", "10 02 01 03 00 00 55 00"},
-                                         FaultRow{"overlong:bytes=1,n=1", "10 02 01 04 00 00 55 00 00 10 03 35 41"},
-                                         FaultRow{"wrong-station:n=1", "10 02 02 03 00 00 55 00 10 03 35 41"}));
 
 TEST(SimulatorFault, changeOneBitLoseOneByteOrAddNoiseOrTime)
 {
-    const Bytes read = request("01 07 00 20 A0 00 00 00 01 00");
+    const Bytes read = wireOf("01 07 00 20 A0 00 00 00 01 00");
     Controller controller({1});
     const Bytes sound = answerTo(controller, read);
     controller.addFault("flip:n=1");
@@ -216,7 +181,7 @@ TEST(SimulatorFault, thatKeepTheRequestAwayLeaveTheMemoryAlone)
     for (const char *fault : {"silence", "error"}) {
         Controller controller({1});
         controller.addFault(fault);
-        answerTo(controller, request("01 09 00 28 A0 05 00 00 01 00 2A 00"));
+        answerTo(controller, wireOf("01 09 00 28 A0 05 00 00 01 00 2A 00"));
         EXPECT_EQ(controller.read(1, "D", 5), 0U) << fault;
     }
 }

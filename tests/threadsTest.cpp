@@ -75,7 +75,7 @@ protected:
         notesReports = false;
         configures(2, 16);
         screen.polls(polledPlaces());
-        plansRecipe({recipeItem("R", 0, 40, 0)});
+        plansRecipe("R 0 40 from 0");
         whenReported = [this](const Report &report) { changed(report); };
     }
 

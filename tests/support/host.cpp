@@ -55,6 +55,23 @@ _RCP_VAR_PRO recipeItem(const std::string &regName, int address, int count, int 
     return item;
 }
 
+std::vector<_RCP_VAR_PRO> runsOf(const std::string &listText)
+{
+    std::vector<_RCP_VAR_PRO> runs;
+    std::istringstream texts(listText);
+    for (std::string text; std::getline(texts, text, ',');) {
+        std::istringstream words(text);
+        std::string regName, word;
+        int address = 0, count = 0, station = 1, offset = 0;
+        require(static_cast<bool>(words >> regName >> address >> count), "a run has kind, address and count");
+        while (words >> word)
+            word == "from" ? static_cast<void>(words >> offset)
+                           : static_cast<void>(station = std::stoi(word.substr(1)));
+        runs.push_back(recipeItem(regName, address, count, offset, station));
+    }
+    return runs;
+}
+
 std::string Report::text() const
 {
     if (instance == 0 && station == -1 && regName == "RWI")
@@ -70,7 +87,7 @@ Host::Host(const Calls &table) : calls(table)
     sReportedTo = this;
     calls.intf_setAddrValueChangeCallBack(&Host::changed);
     configures(3, 16);
-    plansRecipe({});
+    plansRecipe("");
 }
 
 Host::~Host()
@@ -105,18 +122,12 @@ int Host::polls(const std::vector<KEY_ADDRESS> &keys)
 int Host::polls(const std::string &keys)
 {
     std::vector<KEY_ADDRESS> list;
-    std::istringstream texts(keys);
-    for (std::string text; std::getline(texts, text, ',');) {
-        std::istringstream words(text);
-        std::string regName;
-        char at;
-        int address = 0, count = 0, station = 1;
-        require(static_cast<bool>(words >> regName >> address >> count), "a key has kind, address and count");
-        words >> at >> station;
-        list.push_back(key(regName, address, count, words ? station : 1));
-    }
+    for (const _RCP_VAR_PRO &run : runsOf(keys))
+        list.push_back(withRun<KEY_ADDRESS>(plain(run.regName), run.address, run.count, run.station));
     return polls(list);
 }
+
+int Host::plansRecipe(const std::string &items) { return plansRecipe(runsOf(items)); }
 
 void Host::writes(const std::string &regName, int address, int count, const Bytes &values, int station,
                   std::uintptr_t number)

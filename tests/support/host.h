@@ -27,6 +27,9 @@ KEY_ADDRESS key(const std::string &regName, int address, int count, int station 
 VARIABLE request(const std::string &regName, int address, int count, int station = 1);
 _RCP_VAR_PRO recipeItem(const std::string &regName, int address, int count, int bufferOffset, int station = 1);
 
+/// The runs that such a text lists, each with its place in the recipe buffer: "D 100 10 from 0, M 0 1 @2 from 10".
+std::vector<_RCP_VAR_PRO> runsOf(const std::string &listText);
+
 /// "a, b".
 std::string joined(const std::vector<std::string> &texts);
 
@@ -72,7 +75,7 @@ public:
     void configures(int retryLimit, int mergeGap, int cacheOnlyWrites = 0);
     void configures(const char *property);
     int polls(const std::vector<KEY_ADDRESS> &keys);
-    /// "D 100 10, M 0 1 @2".
+    /// As runsOf reads them.
     int polls(const std::string &keys);
     void writes(const std::string &regName, int address, int count, const Bytes &values, int station = 1,
                 std::uintptr_t number = 0);
@@ -80,6 +83,8 @@ public:
     int word(int address, int station = 1);
     void asksForCondition(const KEY_ADDRESS &wanted) { calls.intf_addConditionRead(&wanted, 0); }
     int plansRecipe(const std::vector<_RCP_VAR_PRO> &items);
+    /// As runsOf reads them.
+    int plansRecipe(const std::string &items);
     /// Asks for a transfer, or tells whether one is still asked for.
     void asks(int requestByte) { controlBlock[static_cast<std::size_t>(requestByte)] = 1; }
     bool isAsked(int requestByte) const { return controlBlock[static_cast<std::size_t>(requestByte)] != 0; }
