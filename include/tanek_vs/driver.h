@@ -15,8 +15,10 @@
 /// every other thread out of the driver, and so do intf_setAddrValueChangeCallBack and intf_SetDriverPropertyPage. The
 /// rest read constants only, from any thread.
 ///
-/// Errors are int results; nothing throws and nothing is logged. A call with arguments that make no sense (an unknown
-/// kind, a count below 1 or beyond what the kind holds, a negative address, a null pointer) changes nothing.
+/// Errors are int results; nothing throws and nothing is logged. A call with arguments that make no sense changes
+/// nothing: an unknown kind, a count below 1 or beyond what the kind holds, a negative address, a run that ends beyond
+/// what a request has digits for (six of the unit's number; five of the word's for bits inside words), a null pointer.
+/// An address above the kind's highest is not refused: that is for the host's editor, or the controller, to say.
 #ifndef TANEK_VS_DRIVER_H
 #define TANEK_VS_DRIVER_H
 
@@ -38,10 +40,17 @@ extern "C" {
 /// lives only during the call.
 ///
 /// - (instance, station, register name, address): the shown value at that polled address changed, or a write to it
-///   ended (see intf_setData). `instance` is the first number of the property text; name and address are those of the
-///   poll list. Single bits of kinds of bits are reported when they are written even if they are not polled.
+///   ended (see intf_setData). `instance` is the first number of the property text; name and address are those of a
+///   unit of the poll list. Single bits of kinds of bits are reported when they are written even if they are not
+///   polled. A host that draws a value anew at each report of it always shows what intf_getData gives, as long as it
+///   draws all values once after intf_initProperty and intf_addrMerge, which report nothing.
+///
+///   A value that spans several units is reported unit by unit, each under its own address: of a text in D100 to D119
+///   each word that changed, of a 32-bit value in D100 and D101 either word or both. While the first of them is being
+///   reported the others may still hold their old contents: such a value is whole once intf_dealRcvFrame has returned,
+///   and that is when to draw it. A counter of "32C" is one unit, and whole in its report.
 /// - (-1, -1, "-1", status): the condition read queued last has ended: status 0 when it was read, -1 when given up.
-/// - (0, -1, "RWI", n): a recipe upload has filled word n of the recipe buffer.
+/// - (0, -1, "RWI", n): a recipe upload has filled word n of the recipe buffer, whatever it held before.
 typedef int (*ValueChangeCallback)(int instance, int station, QString &regName, int address);
 
 // ---- Identity and configuration ----
@@ -63,8 +72,15 @@ TANEK_VS_EXPORT QString intf_getVersion();
 /// stop bits of the serial line; the numbers 1 and 0; network address and port; protocol name; the register kinds.
 TANEK_VS_EXPORT void intf_getDriverParameter(QString &text);
 
-/// Configures the driver, or resets it: drops the poll plan, all queues, the cache and any frame in flight. The
-/// callback and the recipe plan stay.
+/// Configures the driver, or resets it: drops the poll plan, all queues, the cache and any frame in flight, so that all
+/// values show 0 again, without reports. The callback and the recipe plan stay.
+///
+/// A recipe transfer is asked for through the host's control block, by the byte below, and goes ahead of all other
+/// work, a download before an upload, always from its first block. The driver clears the byte when the transfer has
+/// ended, well or not. It went well when each of its transactions was accepted: intf_dealRcvFrame gave 1 for every
+/// frame, the last one clearing the byte. It ended early when intf_dealRcvFrame gave 2 and the byte is clear, or when
+/// intf_getSendFrame cleared it: no block is planned, or one cannot be sent. A host that clears the byte itself stops
+/// the transfer behind the block in flight. Values that an upload brought before it ended early stay in the buffer.
 ///
 /// @param hostControlBlock host's bytes, at least 60117 of them: byte 60115 set to 1 asks for a recipe download, byte
 ///        60116 for an upload. The driver sets the byte to 0 when the transfer has ended and touches no other byte.
@@ -75,11 +91,11 @@ TANEK_VS_EXPORT void intf_getDriverParameter(QString &text);
 ///        changes the cache and sends nothing), an ignored number, retry limit (bad replies until a transaction is
 ///        given up), merge gap (units that merging bridges; also words per write, with eight times as many bits). A
 ///        part that is not a number counts as 0; with fewer than five parts the settings stay as they were.
-///        A retry limit below 1 is one of 1, a merge gap below 1 cuts writes at 32 words or 256 bits.
+///        A retry limit below 1 is one of 1, a merge gap below 1 cuts writes at 32 words or 256 bits. 32-bit counters
+///        are cut between counters, whatever the gap; 16 is a good gap for nearly all poll lists.
 /// @param hostMutex guards the two request bytes; the driver holds it only while it reads or clears them.
 /// The three host objects stay the host's and must live until the next intf_initProperty or the unloading. Each may be
-/// null; there are no recipe transfers then. A transfer that a reset interrupts goes on with the block it had reached
-/// when it is asked for again.
+/// null; there are no recipe transfers then.
 /// @return 1, always.
 TANEK_VS_EXPORT int intf_initProperty(quint8 *hostControlBlock, void *unused, quint16 *recipeBuffer, int *result,
                                       const char *property, QMutex *hostMutex);
@@ -114,8 +130,11 @@ TANEK_VS_EXPORT int intf_getRegDiscription(const QString &regName, QStringList &
 TANEK_VS_EXPORT int intf_checkAddrValidity(const QString &regName, const QString &addressText, int *address, int count,
                                            int wordAccess);
 
-/// The same check for a data type and an access mode, both numbers of the host's.
-/// @param dataType -1: bit, which kinds of bits want and others refuse; 32-bit kinds take 1, 3, 5, 6 and 9 alone.
+/// The same check for a data type and an access mode.
+///
+/// @param dataType what the host makes of the value, as a number of the host's own list of types. The driver tells
+///        apart: -1, a single bit, which kinds of bits want and all others refuse; 1, 3, 5, 6 and 9, the only ones
+///        that a 32-bit kind takes; all others, which are alike.
 /// @param accessMode 1 and 2 write; any other reads.
 /// @return as intf_checkAddrValidity, and 5: the data type does not fit a 32-bit kind; 6: writing to a read-only kind.
 TANEK_VS_EXPORT int intf_checkAddr(const QString &regName, const QString &addressText, int *address, int dataType,
@@ -160,8 +179,11 @@ TANEK_VS_EXPORT int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> *items);
 TANEK_VS_EXPORT int intf_getSendFrame(FRAME_PRO *hostFrame);
 
 /// Takes the bytes that came back for the frame in flight: all of the reply, from its start to its two check
-/// characters, or an empty array when none came (also after a frame with `replyLength` 0). Which station replied is
-/// not looked at.
+/// characters, or an empty array when none came (also after a frame with `replyLength` 0).
+///
+/// A reply begins with DLE STX (10 02) and ends with DLE ETX (10 03) and two more characters, the checksum in
+/// hexadecimal digits; between them a byte of 10 is sent twice. Its byte 2, the first behind DLE STX, is the number of
+/// the station that replied. The driver does not look at it: a reply of another station is the host's to drop.
 ///
 /// @param reply is changed: doubled DLE bytes are reduced to one.
 /// @param description receives the transaction in words, such as "1#D100(10)", with ",error code:3" behind it when
@@ -175,6 +197,11 @@ TANEK_VS_EXPORT int intf_dealRcvFrame(QByteArray &reply, QString &description);
 /// Copies shown values out of the cache: what the host wrote while that write is outstanding, else what was read
 /// last, zeros for what was never read.
 ///
+/// Zeros that were read and zeros that were not look alike, and the first reading of a zero is no change and not
+/// reported. A host that has to know looks at the transactions: a value was read once intf_dealRcvFrame has given 1 for
+/// a frame with a `readCount` whose `variable` (station, register name, address, count) covers it. Bits inside words
+/// are read by their words, "D_bit" 1605 by "D" 100.
+///
 /// @param count host count.
 /// @param values receives one byte (0 or 1) per bit, two bytes per word, four per counter, least significant first;
 ///        an odd count of "32C" leaves its last word out.
@@ -182,16 +209,15 @@ TANEK_VS_EXPORT int intf_dealRcvFrame(QByteArray &reply, QString &description);
 TANEK_VS_EXPORT int intf_getData(int station, const QString &regName, int address, int count, quint8 *values);
 
 /// Shows the values at once, reports what that changes, and queues them to be written. A waiting write to exactly the
-/// same place is replaced. The queue holds 513 requests; a further one replaces the last, whose value stays shown until
-/// the device's changes.
+/// same place is replaced. The queue holds 513 requests; a further one takes the place of the last, which is given up.
 ///
-/// A write that is given up is reported, and what was read before is shown again. Of writes of bits inside words the
-/// acceptance is reported too, once the last one of the word has ended. `variable.hostContext` of the frame tells which
-/// write a transaction belongs to.
+/// A write that is given up is reported, and what was read before is shown again. An acceptance is reported where it
+/// changes what is shown, and of bits inside words always, once the last write of the word has ended.
+/// `variable.hostContext` of the frame tells which write a transaction belongs to.
 ///
 /// @param count host count, at most 1024 bits or 512 words; a larger write changes nothing (with cache-only writes,
 ///        which queue none, any count that the kind holds)
-/// @param values laid out as for intf_getData; only read.
+/// @param values laid out as for intf_getData, a bit being on with 1 and off with any other byte; only read.
 /// @param hostContext carried in the requests, never interpreted.
 /// @return 1, always.
 TANEK_VS_EXPORT int intf_setData(int station, const QString &regName, int address, int count, const quint8 *values,
