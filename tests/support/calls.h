@@ -26,7 +26,7 @@
     DO(intf_setData)
 
 struct Calls {
-#define DECLARE_CALL(name) decltype(&::name) name;
+#define DECLARE_CALL(name) decltype(&::name) name; // NOLINT(bugprone-macro-parentheses): declares the name
     EACH_EXPORTED_CALL(DECLARE_CALL)
 #undef DECLARE_CALL
 };
