@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 
 namespace {
@@ -30,17 +29,16 @@ using Includes = std::map<std::string, std::set<std::string>>;
 /// What each file includes of the house itself.
 Includes includesOfHouse()
 {
-    const std::regex include("#include \"([^\"]+)\"");
+    const std::string include = "#include \"";
     Includes includes;
     for (const fs::directory_entry &entry : fs::recursive_directory_iterator(SOURCES)) {
         if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp")
             continue;
         std::set<std::string> &included = includes[fs::relative(entry.path(), SOURCES).string()];
         std::ifstream file(entry.path());
-        std::smatch match;
         for (std::string line; std::getline(file, line);)
-            if (std::regex_search(line, match, include))
-                included.insert(match[1]);
+            if (line.rfind(include, 0) == 0)
+                included.insert(line.substr(include.size(), line.rfind('"') - include.size()));
     }
     return includes;
 }
