@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Runs a fuzzer, or all of them in turn; stops at the first fault, whose input is left in build/fuzz/findings.
 #
-#   scripts/fuzz.sh TARGET|all SECONDS    targets: replies calls texts requests configuration
+#   scripts/fuzz.sh TARGET|all SECONDS    targets: replies calls requests configuration
 #
 # What a run finds new is kept in build/fuzz/corpus and is where the next one starts.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-targets="replies calls texts requests configuration"
+targets="replies calls requests configuration"
 usage() {
     echo "usage: $0 TARGET|all SECONDS    targets: $targets" >&2
     exit 2

@@ -20,16 +20,6 @@ protected:
     }
 };
 
-TEST_F(UnitsTest, areFoundByStationNameAndAddress)
-{
-    EXPECT_EQ(indexOf("D", 100), 0);
-    EXPECT_EQ(indexOf("D", 100, 2), 1);
-    EXPECT_EQ(indexOf("d", 100), 2);
-    EXPECT_EQ(indexOf("D", 101), 3);
-    EXPECT_EQ(indexOf("D", 100), 0);
-    EXPECT_EQ(driver.dataAreas.size(), 4);
-}
-
 TEST_F(UnitsTest, areFoundWhenTheListWasChangedBehindTheIndex)
 {
     for (int i = 0; i < 5; ++i)

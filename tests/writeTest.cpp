@@ -5,28 +5,6 @@ namespace {
 
 using WriteTest = DriverTest;
 
-TEST_F(WriteTest, ofAWordSettlesOrFallsBack)
-{
-    polls("D 100 1");
-    exchanges(reply(words({7})));
-    EXPECT_EQ(reports(), "D 100");
-
-    writes("D", 100, 1, words({5}));
-    EXPECT_EQ(reports(), "D 100");
-    EXPECT_EQ(word(100), 5);
-    EXPECT_EQ(exchanges(acknowledgement()), "write D 100 1");
-    EXPECT_EQ(word(100), 5);
-    EXPECT_EQ(unit("D", 100).writePending, 0);
-    EXPECT_EQ(reports(), "");
-
-    writes("D", 100, 1, words({9}));
-    reports();
-    for (int i = 0; i < 3; ++i)
-        exchanges({});
-    EXPECT_EQ(word(100), 5);
-    EXPECT_EQ(reports(), "D 100");
-}
-
 TEST_F(WriteTest, isReportedWhenItsAcceptanceShowsItAgain)
 {
     const struct {

@@ -1,16 +1,8 @@
 #include "support/wire.h"
 
 #include <numeric>
-#include <sstream>
 
-Bytes hex(const std::string &text)
-{
-    std::istringstream in(text);
-    Bytes bytes;
-    for (unsigned value = 0; in >> std::hex >> value;)
-        bytes.push_back(static_cast<unsigned char>(value));
-    return bytes;
-}
+Bytes hex(const std::string &text) { return bytesOf(QByteArray::fromHex(text.c_str())); }
 
 std::string hexText(const Bytes &bytes)
 {
