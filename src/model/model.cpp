@@ -87,7 +87,7 @@ int numberOf(const QString &addressText, const ADDRESS_RANGE &row, int base)
 
 RegisterKind numericRow(const QString &name, const ADDRESS_RANGE &row, quint32 deviceCode)
 {
-    RegisterKind kind;
+    RegisterKind kind = RegisterKind();
     kind.name = name;
     kind.valueWidth = numberOrZero(row.valueWidth);
     kind.unitWidth = numberOrZero(row.unitWidth);
